@@ -1,0 +1,40 @@
+set(CMCFG_COMPONENTS "" CACHE INTERNAL "")
+
+# cmcfg_component(NAME DIRS dir...) makes the object library cmcfg_NAME from
+# every .cc file of the given folders. A folder without sources yet makes no
+# library, so a component can be started without touching this file.
+function(cmcfg_component name)
+  cmake_parse_arguments(C "" "" "DIRS" ${ARGN})
+  set(srcs)
+  foreach(dir IN LISTS C_DIRS)
+    file(GLOB found CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${dir}/*.cc)
+    list(APPEND srcs ${found})
+  endforeach()
+  if(NOT srcs)
+    return()
+  endif()
+  add_library(cmcfg_${name} OBJECT ${srcs})
+  target_include_directories(cmcfg_${name} PUBLIC ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+  target_compile_definitions(cmcfg_${name} PRIVATE CMCFG_BUILDING_LIBRARY)
+  target_link_libraries(cmcfg_${name} PUBLIC Threads::Threads)
+  set(CMCFG_COMPONENTS ${CMCFG_COMPONENTS} ${name} CACHE INTERNAL "")
+endfunction()
+
+function(cmcfg_all_objects out)
+  set(objs)
+  foreach(c IN LISTS CMCFG_COMPONENTS)
+    list(APPEND objs $<TARGET_OBJECTS:cmcfg_${c}>)
+  endforeach()
+  set(${out} ${objs} PARENT_SCOPE)
+endfunction()
+
+# cmcfg_objects_of(OUT comp...) lists the objects of those components that exist.
+function(cmcfg_objects_of out)
+  set(objs)
+  foreach(c IN LISTS ARGN)
+    if(TARGET cmcfg_${c})
+      list(APPEND objs $<TARGET_OBJECTS:cmcfg_${c}>)
+    endif()
+  endforeach()
+  set(${out} ${objs} PARENT_SCOPE)
+endfunction()

@@ -1,0 +1,80 @@
+#ifndef CMCFG_PLATFORM_BASE_FILE_SYSTEM_H_
+#define CMCFG_PLATFORM_BASE_FILE_SYSTEM_H_
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/base/document.h"
+#include "platform/base/status.h"
+
+namespace cfg {
+
+// Every file access of the store goes through this interface, so a test can
+// put a fault-injecting version underneath (a write that fails half-way, a
+// rename that fails). The default is the POSIX file system.
+class FileSystem {
+ public:
+  virtual ~FileSystem();
+
+  // The process-wide instance (the real file system unless a test replaced it).
+  static FileSystem* Default();
+  // Replaces the instance; nullptr restores the real one. Not thread-safe:
+  // for tests only.
+  static void SetDefaultForTesting(FileSystem* fs);
+
+  // Whole contents of a regular file. NotFound when it does not exist,
+  // IOError when it is a directory or cannot be read.
+  virtual Status ReadFile(const std::string& path, std::string* contents) = 0;
+
+  // Replaces the file atomically and durably: writes a temporary file in the
+  // same folder, flushes it to disk, renames it over `path` and flushes the
+  // folder. On any failure the old file is left as it was and the temporary
+  // file removed.
+  virtual Status WriteFileAtomic(const std::string& path, std::string_view contents) = 0;
+
+  virtual bool FileExists(const std::string& path) = 0;   // a regular file
+  virtual bool DirExists(const std::string& path) = 0;
+  virtual Status CreateDirs(const std::string& path) = 0;
+  // Names of the entries of a folder (no "." or ".."), unsorted.
+  virtual Status ListDir(const std::string& path, std::vector<std::string>* names) = 0;
+  virtual Status RemoveFile(const std::string& path) = 0;
+};
+
+// An exclusive advisory lock that guards a read-modify-write of one file
+// against other processes and other threads. It locks a companion file
+// (the target's path + ".lock"), never the target itself, because an atomic
+// save replaces the target's inode. Blocks until the lock is had.
+class FileLock {
+ public:
+  explicit FileLock(const std::string& path);
+  ~FileLock();
+  FileLock(const FileLock&) = delete;
+  FileLock& operator=(const FileLock&) = delete;
+
+  // False when the lock file could not be created (read-only folder); the
+  // caller then goes on unguarded only if it does not write.
+  bool locked() const { return fd_ >= 0; }
+
+ private:
+  int fd_ = -1;
+};
+
+// Reads and parses a multi-section file. NotFound when missing; IOError when
+// unreadable or not a regular file. Parse problems are not errors: they are
+// in doc->diagnostics().
+Status LoadDocument(const std::string& path, Document* doc, const Syntax& syntax = Syntax());
+
+// Serializes and writes atomically (no lock taken here).
+Status SaveDocument(const std::string& path, const Document& doc, const Syntax& syntax = Syntax());
+
+// Read-modify-write under FileLock: loads the file (a missing file is an
+// empty document), calls `change`, and saves when it returns true.
+Status UpdateDocument(const std::string& path, const std::function<bool(Document&)>& change,
+                      const Syntax& syntax = Syntax());
+
+}  // namespace cfg
+
+#endif  // CMCFG_PLATFORM_BASE_FILE_SYSTEM_H_

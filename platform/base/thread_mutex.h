@@ -1,0 +1,43 @@
+#ifndef CMCFG_PLATFORM_BASE_THREAD_MUTEX_H_
+#define CMCFG_PLATFORM_BASE_THREAD_MUTEX_H_
+
+#include <mutex>
+
+#if defined(__clang__)
+#define CMCFG_THREAD_ANNOTATION(x) __attribute__((x))
+#else
+#define CMCFG_THREAD_ANNOTATION(x)
+#endif
+#define CMCFG_CAPABILITY(x) CMCFG_THREAD_ANNOTATION(capability(x))
+#define CMCFG_SCOPED_CAPABILITY CMCFG_THREAD_ANNOTATION(scoped_lockable)
+#define CMCFG_GUARDED_BY(x) CMCFG_THREAD_ANNOTATION(guarded_by(x))
+#define CMCFG_ACQUIRE(...) CMCFG_THREAD_ANNOTATION(acquire_capability(__VA_ARGS__))
+#define CMCFG_RELEASE(...) CMCFG_THREAD_ANNOTATION(release_capability(__VA_ARGS__))
+
+// A non-recursive mutex.
+class CMCFG_CAPABILITY("mutex") ThreadMutex {
+ public:
+  ThreadMutex() = default;
+  ThreadMutex(const ThreadMutex&) = delete;
+  ThreadMutex& operator=(const ThreadMutex&) = delete;
+
+  void Lock() CMCFG_ACQUIRE() { mu_.lock(); }
+  void Unlock() CMCFG_RELEASE() { mu_.unlock(); }
+
+ private:
+  std::mutex mu_;
+};
+
+// Holds a ThreadMutex for the lifetime of the guard.
+class CMCFG_SCOPED_CAPABILITY MutexLock {
+ public:
+  explicit MutexLock(ThreadMutex* mu) CMCFG_ACQUIRE(mu) : mu_(mu) { mu_->Lock(); }
+  ~MutexLock() CMCFG_RELEASE() { mu_->Unlock(); }
+  MutexLock(const MutexLock&) = delete;
+  MutexLock& operator=(const MutexLock&) = delete;
+
+ private:
+  ThreadMutex* const mu_;
+};
+
+#endif  // CMCFG_PLATFORM_BASE_THREAD_MUTEX_H_

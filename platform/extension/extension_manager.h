@@ -1,0 +1,176 @@
+#ifndef CMCFG_PLATFORM_EXTENSION_EXTENSION_MANAGER_H_
+#define CMCFG_PLATFORM_EXTENSION_EXTENSION_MANAGER_H_
+
+#include <list>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "cmcfg/types.h"
+#include "platform/extension/ext_params.h"
+#include "platform/extension/ss_params.h"
+
+namespace cfg {
+class Document;
+}
+
+// The any-caller contact's name, and the mask of every property or service.
+extern const std::string gAny;
+extern const unsigned int gAllProperties;
+
+class AddressPatternParams;
+class SupServAccessor;
+
+// One contact of an extension's address book (an address pattern) and the
+// stored supplementary services that belong to it.
+struct AddressPatternBlock {
+  unsigned long id = 0;
+  std::string name;        // number or pattern with '?' and '*'; gAny for any caller
+  int32_t callType = 0;    // a CallType
+};
+
+// An extension's record in the extension database: its parameter blocks.
+// Owned by the ExtensionManager that returned it.
+class Extension {
+ public:
+  virtual ~Extension();
+
+  const std::string& GetName() const;
+  ExtType GetType() const;
+  // Free text of the extension (its description).
+  const std::string& GetText() const;
+
+  // Makes the blocks of the properties in `mask` available (the file is
+  // read once per manager; this only decodes). False when the extension's
+  // file could not be read.
+  bool LoadProperty(unsigned mask);
+  // Reads the file again and refreshes the blocks of `mask`.
+  bool ReloadProperty(unsigned mask);
+
+  // The block of a loaded property, or nullptr when the extension has none.
+  ExtSipSettingsParams* GetSipSettingsParams();
+  ExtPersonalInfoParams* GetPersonalInfoParams();
+  ExtServicesParams* GetServicesParams();
+  ExtTimeoutsParams* GetTimeoutsParams();
+  ExtCodecParams* GetCodecParams();
+  ExtServiceCodesParams* GetServiceCodesParams();
+  ExtPstnAgentParams* GetPstnAgentParams();
+  CallParkGeneralParams* GetCallParkParams();
+  AccessListParams* GetAccessListParams();
+  PickupGroupParams* GetPickupGroupParams();
+  ExtBusyRedialParams* GetBusyRedialParams();
+  ExtAutoCallParams* GetAutoCallParams();
+  AttGeneralParams* GetAttGeneralParams();
+  // Speed-dial entries in file order.
+  std::list<SpeedDialBlock*> GetSpeedDialBlocks();
+  // Address book (never nullptr once property 0x2 is loaded).
+  AddressPatternParams* GetAddressPatternParams();
+
+  // Adds a block to a property and stores it; property 2 takes an
+  // AddressPatternBlock. False when the store failed.
+  bool AddBlock(unsigned property, AddressPatternBlock* block);
+
+ protected:
+  friend class ExtensionManager;
+  Extension();
+  struct Rep;
+  std::unique_ptr<Rep> rep_;
+};
+
+// An attendant console's record.
+class CHAttendant : public Extension {
+ public:
+  ~CHAttendant() override;
+
+ private:
+  friend class ExtensionManager;
+  CHAttendant();
+};
+
+class ExtensionManagerBase {
+ public:
+  virtual ~ExtensionManagerBase();
+  // Replaces `names` with the names of every extension of that type, in the
+  // database's order.
+  bool GetAllExtensionsNames(ExtType type, std::list<std::string>& names);
+
+ protected:
+  explicit ExtensionManagerBase(std::string path);
+  std::string path_;
+};
+
+// The extension database "extensiondb": a folder with one file per
+// extension, so opening it and fetching one extension costs the same for
+// ten or a hundred thousand extensions. Extensions are read on first request
+// and kept (owned) by the manager. Names that are not plain file names
+// ("/", "..", control characters, empty) are never found.
+class ExtensionManager : public ExtensionManagerBase {
+ public:
+  // preload: decode every property when an extension is first read.
+  ExtensionManager(const std::string& path, bool preload);
+  ~ExtensionManager() override;
+
+  // The extension of that type and name, or nullptr. preloadAll decodes all
+  // its properties at once.
+  Extension* GetExtension(ExtType type, const std::string& name, bool preloadAll);
+  // The extension of that name whatever its type (attendants excluded).
+  Extension* GetExtension(const std::string& name, bool preloadAll);
+  CHAttendant* GetAttendant(const std::string& name, bool preloadAll);
+  // The system attendant (named in the database's own settings), or nullptr.
+  CHAttendant* GetSystemExtension(bool preloadAll);
+
+ private:
+  struct Rep;
+  std::unique_ptr<Rep> rep_;
+};
+
+// An extension's address book: one block per contact.
+class AddressPatternParams {
+ public:
+  AddressPatternBlock* GetBlock(unsigned long id) const;
+  std::list<AddressPatternBlock*> GetAllBlocks() const;
+  // A new empty block with a fresh id, owned by the caller until it is
+  // handed to Extension::AddBlock.
+  AddressPatternBlock* CreateBlock();
+  // The stored services of a contact, or nullptr. Owned by the params.
+  SupServAccessor* GetSupServAccessor(AddressPatternBlock* block, bool create);
+
+ private:
+  friend class Extension;
+  AddressPatternParams();
+  ~AddressPatternParams();
+  struct Rep;
+  std::unique_ptr<Rep> rep_;
+};
+
+// The stored supplementary services of one contact.
+class SupServAccessor {
+ public:
+  // Reads the services from the extension's file (all, or those of mask).
+  bool LoadAll();
+  bool Load(unsigned mask);
+  // Writes the services of mask back to the extension's file, atomically,
+  // under the file's lock (other contacts and services are re-read, not
+  // overwritten).
+  bool Store(unsigned mask);
+
+  SSClirParams clir;
+  SSBlockCallParams incomingBlocking;
+  SSBlockCallParams outgoingBlocking;
+  SSDistRingingParams distRinging;
+  SSHuntRingingParams hunt;
+  SSManyRingingParams manyRinging;
+  SSForwardParams forwardUnconditional;
+  SSForwardParams forwardNoAnswer;
+  SSForwardParams forwardBusy;
+  SSIntercomParams intercom;
+
+ private:
+  friend class AddressPatternParams;
+  SupServAccessor();
+  ~SupServAccessor();
+  struct Rep;
+  std::unique_ptr<Rep> rep_;
+};
+
+#endif  // CMCFG_PLATFORM_EXTENSION_EXTENSION_MANAGER_H_
