@@ -33,6 +33,10 @@ class LogStream {
   const std::string& path() const { return path_; }
 
  private:
+  // Both need mu_ held.
+  bool Open();
+  void Rotate();
+
   std::string path_;
   bool console_;
   bool timestamps_;

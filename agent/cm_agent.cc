@@ -1,0 +1,170 @@
+#include "cmcfg/cm_agent.h"
+
+#include <cstdarg>
+
+#include "agent/agent_log.h"
+#include "cmcfg/functions.h"
+#include "cmcfg/tone_type_reader.h"
+#include "platform/base/config_root.h"
+#include "platform/base/log_stream.h"
+#include "platform/base/thread_mutex.h"
+#include "platform/blocks/gateway_accessor.h"
+#include "platform/blocks/general_paths.h"
+#include "platform/blocks/general_settings_accessor.h"
+#include "platform/blocks/log_login_accessor.h"
+#include "platform/blocks/sys_message_accessor.h"
+#include "platform/blocks/tos_params_accessor.h"
+#include "platform/extension/extension_manager.h"
+#include "platform/line/codecs.h"
+#include "platform/line/line_manager.h"
+
+namespace {
+
+// System messages are numbered 0..337.
+const int kLastSysMessage = 337;
+const unsigned kAttendantSlots = 16;
+
+}  // namespace
+
+CMAgent::CMAgent() {
+  baseMutex = new ThreadMutex;
+  shListMutex = new ThreadMutex;
+  toneMutex = new ThreadMutex;
+  LineManager::SetLineDB(cfg::TelephonyPath("linedb"));
+
+  // Held open for the whole load: the loaders below open and close these
+  // accessors again, and the reference count keeps them from being re-read
+  // each time.
+  GeneralSettingsAccessor::GetInstance(true);
+  GeneralPaths::GetInstance(true);
+  GatewayAccessor::GetInstance(true);
+  TosParamsAccessor::GetInstance(true);
+
+  Init("cmcfg.log", false);
+  extensionBase.resize(baseCapacity, nullptr);
+  attendants.reserve(kAttendantSlots);
+
+  GetGeneralData(false);
+  GetRuntimeDbNames(false);
+  GetCDRData(false);
+  GetExternalUserDB(generalData.externalUserCacheDb, &generalData.externalUserCache, true);
+  GetExternalUserDB(generalData.externalUserDb, &generalData.externalUsers, false);
+  GetAutologinDB();
+  if (!GetPstnAgentData(false)) generalData.pstnAgentType = 1;  // FXO
+
+  Load();
+
+  GeneralSettingsAccessor::CloseInstance();
+  GeneralPaths::CloseInstance();
+  GatewayAccessor::CloseInstance();
+  TosParamsAccessor::CloseInstance();
+  LineManager::UnsetLineDB();
+}
+
+CMAgent::~CMAgent() {
+  delete logStream;
+  logStream = nullptr;
+  delete baseMutex;
+  delete shListMutex;
+  delete toneMutex;
+  baseMutex = shListMutex = toneMutex = nullptr;
+  Destroy();
+  // The system attendant is made by Init and handed to nobody else.
+  delete generalData.sysAttendant;
+  generalData.sysAttendant = nullptr;
+}
+
+void CMAgent::Init(const char* logName, bool logFlag) {
+  LoadToneTypes();
+  _gDefRingPattern.Init();
+
+  // Init may run again; never leak what an earlier run opened.
+  delete extensionManager;
+  delete lineManager;
+  delete fxsLineManager;
+  delete encodingManager;
+  extensionManager = new ExtensionManager(cfg::TelephonyPath("extensiondb"), true);
+  lineManager = new LineManager(LineManagerBase::kLineDb, cfg::TelephonyPath("linedb"), true);
+  fxsLineManager = new LineManager(LineManagerBase::kFxsLines, cfg::TelephonyPath("linedb"), true);
+  encodingManager = new EncodingManager("", cfg::TelephonyPath("fax.cfg"), false);
+  telephonyPath = cfg::TelephonyPath("");
+
+  LoadLogLevel();
+  delete logStream;
+  logStream = new LogStream(logName ? logName : "cmcfg.log", logFlag, false, 2147483647, 1, 2048, false);
+
+  if (GeneralSettingsAccessor* settings = GeneralSettingsAccessor::GetInstance(false)) {
+    if (settings->maxExtensions > baseCapacity) baseCapacity = settings->maxExtensions;
+    GeneralSettingsAccessor::CloseInstance();
+  }
+
+  sysMessageNames.clear();
+  if (SysMessageAccessor* messages = SysMessageAccessor::GetInstance()) {
+    std::string name;
+    for (int id = 0; id <= kLastSysMessage; ++id)
+      if (messages->GetSysMessageName(id, name)) sysMessageNames.push_back(name);
+  }
+  SysMessageAccessor::CloseInstance();
+
+  if (CHAttendant* system = extensionManager->GetSystemExtension(true)) {
+    delete generalData.sysAttendant;
+    generalData.sysAttendant = new Attendant(*system);
+    GetAttCodecData(generalData.sysAttendant, nullptr);
+  }
+}
+
+void CMAgent::Load() {
+  if (extensionManager == nullptr) return;
+  static const ExtType kOrder[] = {kExtAttendant, kExtUser, kExtPickup, kExtCallPark, kExtPaging};
+  std::list<std::string> names;
+  for (ExtType type : kOrder) {
+    extensionManager->GetAllExtensionsNames(type, names);
+    for (const std::string& name : names) LoadExtensionDB(name, type);
+  }
+}
+
+void CMAgent::Destroy() {
+  CMCFG_TRACE(this,
+              "******* CM has been loaded (hope successfully :) ), destoying all temporary "
+              "instances *******\n\n");
+  delete extensionManager;
+  delete lineManager;
+  delete fxsLineManager;
+  delete encodingManager;
+  extensionManager = nullptr;
+  lineManager = nullptr;
+  fxsLineManager = nullptr;
+  encodingManager = nullptr;
+}
+
+void CMAgent::LOG(const char* format, ...) {
+  if (logStream == nullptr) return;
+  va_list args;
+  va_start(args, format);
+  logStream->TRACE(0, format, args, 0);
+  va_end(args);
+}
+
+void CMAgent::LoadLogLevel() {
+  GetLogLevel(&logEnabled, &logLevelSecond);
+  if (LogLoginAccessor* login = LogLoginAccessor::GetInstance(true)) {
+    logLogin = login->loginTrace != 0 && login->loginAudit != 0;
+    LogLoginAccessor::CloseInstance(login);
+  }
+}
+
+void CMAgent::LoadToneTypes() {
+  MutexLock lock(toneMutex);
+  ToneTypeReader reader;
+  reader.Load(toneTypes);
+}
+
+bool CMAgent::IsWaveOn(DeviceTone tone) {
+  // Out-of-range tones (negative ones too: they would index outside the
+  // table) are played from their sound files.
+  if (static_cast<int>(tone) > kDeviceToneCount - 1 || static_cast<int>(tone) < 0) return true;
+  if (generalData.toneWaveMode == 1) return true;
+  if (generalData.toneWaveMode == 2) return false;
+  MutexLock lock(toneMutex);
+  return toneTypes[tone].is_play_wav_on;
+}

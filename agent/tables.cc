@@ -1,0 +1,138 @@
+// The extension and attendant tables, the shared-extension list and the
+// default ring pattern.
+#include <algorithm>
+
+#include "agent/agent_log.h"
+#include "agent/scoped_extension_manager.h"
+#include "cmcfg/cm_agent.h"
+#include "platform/base/thread_mutex.h"
+#include "platform/extension/extension_manager.h"
+
+namespace {
+
+const char* TypeLine(ExtType type) {
+  switch (type) {
+    case kExtUser:
+      return "*** LoadExtensionDB: user extension %s ***\n";
+    case kExtPickup:
+      return "*** LoadExtensionDB: pickup extension %s ***\n";
+    case kExtCallPark:
+      return "*** LoadExtensionDB: call park extension %s ***\n";
+    case kExtPaging:
+      return "*** LoadExtensionDB: paging extension %s ***\n";
+    default:
+      return nullptr;
+  }
+}
+
+}  // namespace
+
+int CMAgent::LoadExtensionDB(const std::string& name, ExtType type) {
+  if (name.empty()) return 0;
+  if (type == kExtAttendant) return LoadAttendantDB(name);
+
+  ScopedExtensionManager manager(this);
+  Extension* stored = manager->GetExtension(type, name, manager.temporary());
+  if (stored == nullptr) {
+    CMCFG_TRACE(this, "*** LoadExtensionDB: failed to load extension %s ***\n", name.c_str());
+    return 0;
+  }
+  const char* line = TypeLine(type);
+  if (line == nullptr) {
+    CMCFG_TRACE(this, "*** LoadExtensionDB: wrong type - %d - for extension %s ***\n",
+                static_cast<int>(type), name.c_str());
+    return 0;
+  }
+
+  ExtensionData* record = new ExtensionData;
+  record->name = name;
+  record->type = type;
+  CMCFG_TRACE(this, line, name.c_str());
+  // The per-extension loaders; their results are not examined: a record
+  // keeps its defaults where a property is missing.
+  switch (type) {
+    case kExtUser:
+      record->description = stored->GetText();
+      GetCodecData(record, nullptr);
+      GetPstnAgentsChannels(record, nullptr);
+      break;
+    case kExtCallPark:
+    case kExtPickup:
+    case kExtPaging:
+      GetCodecData(record, nullptr);
+      break;
+    default:
+      break;
+  }
+  extensionBase.push_back(record);
+  CMCFG_TRACE(this, "**************** %s ****************\n\n", name.c_str());
+  return 1;
+}
+
+int CMAgent::LoadAttendantDB(const std::string& name) {
+  ScopedExtensionManager manager(this);
+  CHAttendant* stored = manager->GetAttendant(name, manager.temporary());
+  if (stored == nullptr) {
+    CMCFG_TRACE(this, "*** LoadAttendantDB: failed to load attendant %s ***\n", name.c_str());
+    return 0;
+  }
+  CMCFG_TRACE(this, "*** LoadAttendantDB: extension %s ***\n", name.c_str());
+  Attendant* attendant = new Attendant(*stored);
+  GetAttCodecData(attendant, nullptr);
+  attendants.push_back(attendant);
+  // One newline here where the extension loader writes two: kept so.
+  CMCFG_TRACE(this, "**************** %s ****************\n", name.c_str());
+  return 1;
+}
+
+void CMAgent::EraseExtension(unsigned long position, bool deleteRecord, bool compact) {
+  if (position >= extensionBase.size()) return;  // callers pass valid slots; never write outside
+  if (deleteRecord) {
+    if (ExtensionData* record = extensionBase[position]) {
+      ShareExtension(record->name, false, true);
+      delete record;
+    }
+    extensionBase[position] = nullptr;
+    if (!compact) return;
+  }
+  extensionBase.erase(extensionBase.begin() + position);
+}
+
+void CMAgent::EraseAttendant(unsigned long position) {
+  if (position >= attendants.size()) return;
+  delete attendants[position];
+  attendants.erase(attendants.begin() + position);
+}
+
+void CMAgent::IncreaseBase() { extensionBase.resize(extensionBase.size() + 1, nullptr); }
+
+void CMAgent::LockBase() { baseMutex->Lock(); }
+void CMAgent::UnlockBase() { baseMutex->Unlock(); }
+void CMAgent::LockShList() { shListMutex->Lock(); }
+void CMAgent::UnlockShList() { shListMutex->Unlock(); }
+
+void CMAgent::ShareExtension(const std::string& name, bool add, bool mark) {
+  std::list<SharedExtension>& shared = generalData.sharedExtensions;
+  auto it = std::find_if(shared.begin(), shared.end(),
+                         [&](const SharedExtension& s) { return s.extension == name; });
+  if (it != shared.end()) {
+    if (!add)
+      shared.erase(it);
+    else if (mark)
+      it->flag = 1;
+    return;
+  }
+  if (add && !name.empty()) {
+    SharedExtension entry(name);
+    if (mark) entry.flag = 1;
+    shared.push_back(entry);
+  }
+}
+
+void CMAgent::GetDefRingpattern(std::vector<unsigned long>* pattern) {
+  if (pattern == nullptr) return;
+  MutexLock lock(_gDefRingPattern.mutex);
+  *pattern = _gDefRingPattern.cadence;
+}
+
+void CMAgent::UpdateDefRingPattern() { _gDefRingPattern.Init(); }

@@ -1,0 +1,117 @@
+#ifndef CMCFG_CM_AGENT_H_
+#define CMCFG_CM_AGENT_H_
+
+#include <list>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "cmcfg/attendant.h"
+#include "cmcfg/codec_info.h"
+#include "cmcfg/export.h"
+#include "cmcfg/extension_data.h"
+#include "cmcfg/system_records.h"
+#include "cmcfg/tone_type.h"
+#include "cmcfg/types.h"
+
+class EncodingManager;
+class ExtensionManager;
+class LineManager;
+class LogStream;
+class ThreadMutex;
+struct ExtCodecParams;
+struct ExtPstnAgentParams;
+
+// The configuration agent: constructing it reads the whole configuration
+// under the configuration root ("ORBA_PATH", else "/etc/orba-conf/") into
+// the tables below; the caller then calls Destroy to drop what only the load
+// needed. Construction, Init, Load and Destroy run on one thread before the
+// agent is shared. Afterwards callers hold LockBase around every use of
+// extensionBase, and LockShList around the shared-extension list (baseMutex
+// first when both are needed). The records the tables point to are owned by
+// the agent but released only through EraseExtension / EraseAttendant.
+class CMCFG_EXPORT CMAgent {
+ public:
+  CMAgent();
+  virtual ~CMAgent();
+  CMAgent(const CMAgent&) = delete;
+  CMAgent& operator=(const CMAgent&) = delete;
+
+  // --- start-up and shutdown
+  void Init(const char* logName, bool logFlag);
+  void Load();
+  // Deletes the extension, line and encoding managers; may be called again.
+  void Destroy();
+  // printf-style trace line into the log (dropped when there is no log).
+  void LOG(const char* format, ...) __attribute__((format(printf, 2, 3)));
+  void LoadLogLevel();
+  void LoadToneTypes();
+  bool IsWaveOn(DeviceTone tone);
+  LineManager* GetFxsLineMng() { return fxsLineManager; }
+
+  // --- extension and attendant tables
+  int LoadExtensionDB(const std::string& name, ExtType type);
+  int LoadAttendantDB(const std::string& name);
+  void EraseExtension(unsigned long position, bool deleteRecord, bool compact);
+  void EraseAttendant(unsigned long position);
+  void IncreaseBase();
+  void LockBase();
+  void UnlockBase();
+  void ShareExtension(const std::string& name, bool add, bool mark);
+  void LockShList();
+  void UnlockShList();
+  void GetDefRingpattern(std::vector<unsigned long>* pattern);
+  void UpdateDefRingPattern();
+
+  // --- paths and runtime database names
+  bool GetRuntimeDbNames(bool createIfMissing);
+  bool IsFileName(const std::string& name);
+  void GenerateUniqueString(std::string& text, bool append);
+  void FillUserName(std::string& userName);
+
+  // --- system-wide data
+  bool GetGeneralData(bool createIfMissing);
+  bool GetCDRData(bool createIfMissing);
+  bool GetAutologinDB();
+  bool SaveAutologinUser(AuthorizedPhonesData* user);
+  bool GetExternalUserDB(const std::string& path, std::list<ExternalUserEntry>* users, bool trim);
+
+  // --- codecs
+  bool FillFaxCodecs(const std::list<std::string>& names, std::list<FaxCodecInfo>& faxCodecs,
+                     std::list<CodecInfo>& transparentCodecs);
+  bool FillFaxCodecs(const char* names, std::list<FaxCodecInfo>& faxCodecs,
+                     std::list<CodecInfo>& transparentCodecs);
+  bool GetCodecData(ExtensionData* extension, ExtCodecParams* block);
+  bool GetAttCodecData(Attendant* attendant, ExtCodecParams* block);
+
+  // --- PSTN trunks
+  bool GetPstnAgentData(bool createIfMissing);
+  bool GetPstnAgentsChannels(ExtensionData* extension, ExtPstnAgentParams* block);
+  void GetFxoChannels(const std::string& spec, std::list<unsigned short>* channels);
+  void GetIsdnData(const std::string& spec, std::list<unsigned short>* channels);
+  void GetCasData(const std::string& spec,
+                  std::list<std::pair<unsigned short, std::list<unsigned short>>>* spans);
+
+  // --- state, read by the call manager
+  std::vector<ExtensionData*> extensionBase;
+  std::vector<Attendant*> attendants;
+  GeneralData generalData;
+  std::vector<std::string> sysMessageNames;
+  ToneType toneTypes[kDeviceToneCount];
+  bool logEnabled = false;
+  bool logLevelSecond = false;
+  bool logLogin = false;
+  uint32_t baseCapacity = 64;
+  LogStream* logStream = nullptr;
+  ThreadMutex* baseMutex = nullptr;
+  ThreadMutex* shListMutex = nullptr;
+  ThreadMutex* toneMutex = nullptr;
+  ExtensionManager* extensionManager = nullptr;
+  LineManager* lineManager = nullptr;
+  LineManager* fxsLineManager = nullptr;
+  EncodingManager* encodingManager = nullptr;
+  std::string telephonyPath;
+  std::string defaultUserName = "kaIfArIkNiCk";
+};
+
+#endif  // CMCFG_CM_AGENT_H_

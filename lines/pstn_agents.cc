@@ -1,0 +1,120 @@
+// PSTN trunks: which kind of PSTN agent runs, and the channel sets of
+// PSTN-agent extensions.
+#include <algorithm>
+#include <memory>
+
+#include "agent/agent_log.h"
+#include "agent/scoped_extension_manager.h"
+#include "cmcfg/cm_agent.h"
+#include "platform/base/string_utils.h"
+#include "platform/blocks/general_settings_accessor.h"
+#include "platform/extension/extension_manager.h"
+
+namespace {
+
+const char kAllChannels[] = "all_channels";
+const char kAllCasChannels[] = "0/0-31";
+
+// The number the text starts with (after blanks); 0 without digits.
+// Malformed numbers are not reported: the leading digits are what counts.
+unsigned short LeadingNumber(const std::string& text, std::string::size_type from = 0) {
+  while (from < text.size() && (text[from] == ' ' || text[from] == '\t')) ++from;
+  unsigned long value = 0;
+  for (; from < text.size() && text[from] >= '0' && text[from] <= '9'; ++from)
+    value = (value * 10 + static_cast<unsigned long>(text[from] - '0')) & 0xFFFFFFFFul;
+  return static_cast<unsigned short>(value);
+}
+
+std::list<unsigned short> NumberList(const std::string& spec) {
+  std::list<unsigned short> numbers;
+  for (const std::string& piece : StringUtils::ParseCommaLine(spec, ','))
+    numbers.push_back(LeadingNumber(piece));
+  return numbers;
+}
+
+// The slots after a span's "/": a list, or one range "first-last" (a list
+// holding a "-" is read as the range from its first number).
+std::list<unsigned short> CasSlots(const std::string& slots) {
+  std::string::size_type dash = slots.find('-');
+  if (dash == std::string::npos) return NumberList(slots);
+  std::list<unsigned short> range;
+  unsigned first = LeadingNumber(slots), last = LeadingNumber(slots, dash + 1);
+  for (unsigned slot = first; slot <= last; ++slot) range.push_back(static_cast<unsigned short>(slot));
+  return range;
+}
+
+}  // namespace
+
+bool CMAgent::GetPstnAgentData(bool createIfMissing) {
+  GeneralSettingsAccessor* settings = GeneralSettingsAccessor::GetInstance(createIfMissing);
+  if (settings == nullptr) return false;
+  if (settings->fxoAgent != 0) {
+    CMCFG_TRACE(this, "GetPstnAgentData: PSTN agent type is FXO.\n");
+    generalData.pstnAgentType = 1;
+    GeneralSettingsAccessor::CloseInstance();
+    return true;
+  }
+  if (settings->isdnAgent == 0 && settings->casAgent != 0) {
+    generalData.pstnAgentType = 3;
+    generalData.casAgentFlag = 1;
+  }
+  GeneralSettingsAccessor::CloseInstance();
+  return false;  // only an FXO agent counts as loaded
+}
+
+bool CMAgent::GetPstnAgentsChannels(ExtensionData* extension, ExtPstnAgentParams* block) {
+  if (extension == nullptr) return false;
+  std::unique_ptr<ScopedExtensionManager> manager;  // keeps the block alive
+  ExtPstnAgentParams none;
+  if (block == nullptr) {
+    manager.reset(new ScopedExtensionManager(this));
+    Extension* stored = (*manager)->GetExtension(extension->type, extension->name, false);
+    if (stored == nullptr) {
+      CMCFG_TRACE(this, "GetPstnAgentsChannels: failed to load extension %s.\n",
+                  extension->name.c_str());
+      return false;
+    }
+    stored->LoadProperty(kPropPstnAgent);
+    block = stored->GetPstnAgentParams();
+    // An extension that is no PSTN agent has no channels.
+    if (block == nullptr) block = &none;
+  }
+  GetCasData(block->casChannels, &extension->cas.spans);
+  GetIsdnData(block->isdnChannels, &extension->isdn.channels);
+  GetFxoChannels(block->fxoChannels, &extension->fxo.channels);
+  CMCFG_TRACE(this, "GetPstnAgentsChannels: extension %s.\n", extension->name.c_str());
+  return true;
+}
+
+void CMAgent::GetFxoChannels(const std::string& spec, std::list<unsigned short>* channels) {
+  if (channels == nullptr) return;
+  channels->clear();
+  if (spec == kAllChannels) return;  // an empty list means every channel
+  *channels = NumberList(spec);
+}
+
+void CMAgent::GetIsdnData(const std::string& spec, std::list<unsigned short>* channels) {
+  GetFxoChannels(spec, channels);
+}
+
+void CMAgent::GetCasData(const std::string& spec,
+                         std::list<std::pair<unsigned short, std::list<unsigned short>>>* spans) {
+  if (spans == nullptr) return;
+  spans->clear();
+  const std::string text = spec == kAllChannels ? kAllCasChannels : spec;
+  for (const std::string& group : StringUtils::ParseCommaLine(text, ';')) {
+    std::string::size_type slash = group.find('/');
+    unsigned short span = LeadingNumber(group);
+    std::list<unsigned short> slots =
+        slash == std::string::npos ? std::list<unsigned short>() : CasSlots(group.substr(slash + 1));
+    auto same = std::find_if(spans->begin(), spans->end(),
+                             [span](const auto& entry) { return entry.first == span; });
+    if (same == spans->end()) {
+      spans->emplace_back(span, slots);  // a first occurrence keeps its order
+      continue;
+    }
+    same->second.splice(same->second.end(), slots);
+    same->second.sort();
+    same->second.unique();
+  }
+}

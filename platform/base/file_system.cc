@@ -1,0 +1,81 @@
+#include "platform/base/file_system.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <errno.h>
+
+#include <utility>
+
+#include "platform/base/posix_file_system.h"
+
+namespace cfg {
+
+namespace {
+
+FileSystem*& Installed() {
+  static FileSystem* installed = nullptr;
+  return installed;
+}
+
+}  // namespace
+
+FileSystem::~FileSystem() = default;
+
+FileSystem* FileSystem::Default() {
+  static PosixFileSystem* posix = new PosixFileSystem();  // never destroyed: used at exit
+  FileSystem* fs = Installed();
+  return fs != nullptr ? fs : posix;
+}
+
+void FileSystem::SetDefaultForTesting(FileSystem* fs) { Installed() = fs; }
+
+FileLock::FileLock(const std::string& path) {
+  if (path.empty()) return;  // would lock ".lock" in whatever folder is current
+  std::string lock_path = path + ".lock";
+  fd_ = open(lock_path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
+  if (fd_ < 0) return;
+  int rc;
+  do {
+    rc = flock(fd_, LOCK_EX);
+  } while (rc != 0 && errno == EINTR);
+  if (rc != 0) {
+    close(fd_);
+    fd_ = -1;
+  }
+}
+
+FileLock::~FileLock() {
+  if (fd_ < 0) return;
+  flock(fd_, LOCK_UN);
+  close(fd_);
+}
+
+Status LoadDocument(const std::string& path, Document* doc, const Syntax& syntax) {
+  std::string contents;
+  Status s = FileSystem::Default()->ReadFile(path, &contents);
+  if (!s.ok()) {
+    *doc = Document();
+    return s;
+  }
+  *doc = Document::Parse(std::move(contents), syntax);
+  return s;
+}
+
+Status SaveDocument(const std::string& path, const Document& doc, const Syntax& syntax) {
+  return FileSystem::Default()->WriteFileAtomic(path, doc.Serialize(syntax));
+}
+
+Status UpdateDocument(const std::string& path, const std::function<bool(Document&)>& change,
+                      const Syntax& syntax) {
+  FileLock lock(path);
+  if (!lock.locked()) return Status::IOError("cannot lock " + path);
+  Document doc;
+  Status s = LoadDocument(path, &doc, syntax);
+  if (!s.ok() && !s.IsNotFound()) return s;
+  if (!change || !change(doc)) return Status::OK();
+  return SaveDocument(path, doc, syntax);
+}
+
+}  // namespace cfg

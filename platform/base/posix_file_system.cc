@@ -1,0 +1,173 @@
+#include "platform/base/posix_file_system.h"
+
+#include <dirent.h>
+#include <errno.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstring>
+#include <random>
+
+namespace cfg {
+
+namespace {
+
+Status ErrnoStatus(const std::string& context, int error) {
+  std::string msg = context + ": " + std::strerror(error);
+  return error == ENOENT ? Status::NotFound(msg) : Status::IOError(msg);
+}
+
+std::string DirName(const std::string& path) {
+  size_t slash = path.rfind('/');
+  if (slash == std::string::npos) return ".";
+  return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+// Durability of the rename itself; a folder that cannot be opened or
+// synced (some file systems refuse) does not undo the write.
+void SyncDir(const std::string& dir) {
+  int fd = open(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (fd < 0) return;
+  fsync(fd);
+  close(fd);
+}
+
+Status ReadAll(int fd, const std::string& path, size_t size_hint, std::string* contents) {
+  std::string data;
+  data.resize(size_hint + 1);  // one more byte to see the end without a second read
+  size_t used = 0;
+  for (;;) {
+    if (used == data.size()) data.resize(data.size() * 2 + 4096);
+    ssize_t n = read(fd, &data[used], data.size() - used);
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) return ErrnoStatus("cannot read " + path, errno);
+    if (n == 0) break;
+    used += static_cast<size_t>(n);
+  }
+  data.resize(used);
+  contents->swap(data);
+  return Status::OK();
+}
+
+}  // namespace
+
+std::string TempPathFor(const std::string& path) {
+  static std::atomic<unsigned> counter{0};
+  static const unsigned seed = std::random_device{}();
+  unsigned long noise = seed ^ (counter.fetch_add(1) * 2654435761u) ^
+                        static_cast<unsigned long>(
+                            std::chrono::steady_clock::now().time_since_epoch().count());
+  char suffix[64];
+  snprintf(suffix, sizeof(suffix), ".%ld.%08lx.tmp", static_cast<long>(getpid()),
+           noise & 0xFFFFFFFFul);
+  return path + suffix;
+}
+
+Status PosixFileSystem::ReadFile(const std::string& path, std::string* contents) {
+  // O_NONBLOCK: a FIFO where a file should be must not hang the reader.
+  int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+  if (fd < 0) return ErrnoStatus("cannot open " + path, errno);
+  struct stat st;
+  Status s;
+  if (fstat(fd, &st) != 0) {
+    s = ErrnoStatus("cannot stat " + path, errno);
+  } else if (!S_ISREG(st.st_mode)) {
+    s = Status::IOError(path + (S_ISDIR(st.st_mode) ? " is a directory" : " is not a regular file"));
+  } else {
+    s = ReadAll(fd, path, static_cast<size_t>(st.st_size), contents);
+  }
+  close(fd);
+  return s;
+}
+
+Status PosixFileSystem::WriteFileAtomic(const std::string& path, std::string_view contents) {
+  // Keep the permission bits of the file being replaced.
+  struct stat st;
+  int mode = stat(path.c_str(), &st) == 0 ? static_cast<int>(st.st_mode & 07777) : -1;
+  std::string temp = TempPathFor(path);
+  Status s = WriteTemp(temp, contents, mode);
+  if (s.ok()) s = Rename(temp, path);
+  if (!s.ok()) {
+    unlink(temp.c_str());
+    return s;
+  }
+  SyncDir(DirName(path));
+  return s;
+}
+
+Status PosixFileSystem::WriteTemp(const std::string& temp, std::string_view contents, int mode) {
+  int fd = open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
+  if (fd < 0) return ErrnoStatus("cannot create " + temp, errno);
+  Status s;
+  if (mode >= 0 && fchmod(fd, static_cast<mode_t>(mode)) != 0)
+    s = ErrnoStatus("cannot set the mode of " + temp, errno);
+  if (s.ok()) s = WriteAll(fd, contents, temp);
+  if (s.ok()) s = Sync(fd, temp);
+  if (close(fd) != 0 && s.ok()) s = ErrnoStatus("cannot close " + temp, errno);
+  return s;
+}
+
+Status PosixFileSystem::WriteAll(int fd, std::string_view data, const std::string& path) {
+  while (!data.empty()) {
+    ssize_t n = write(fd, data.data(), data.size());
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) return ErrnoStatus("cannot write " + path, errno);
+    data.remove_prefix(static_cast<size_t>(n));
+  }
+  return Status::OK();
+}
+
+Status PosixFileSystem::Sync(int fd, const std::string& path) {
+  if (fsync(fd) != 0) return ErrnoStatus("cannot sync " + path, errno);
+  return Status::OK();
+}
+
+Status PosixFileSystem::Rename(const std::string& from, const std::string& to) {
+  if (rename(from.c_str(), to.c_str()) != 0)
+    return Status::IOError("cannot rename " + from + " to " + to + ": " + std::strerror(errno));
+  return Status::OK();
+}
+
+bool PosixFileSystem::FileExists(const std::string& path) {
+  struct stat st;
+  return stat(path.c_str(), &st) == 0 && S_ISREG(st.st_mode);
+}
+
+bool PosixFileSystem::DirExists(const std::string& path) {
+  struct stat st;
+  return stat(path.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
+}
+
+Status PosixFileSystem::CreateDirs(const std::string& path) {
+  if (path.empty()) return Status::InvalidArgument("empty path");
+  for (size_t pos = 1; pos <= path.size(); ++pos) {
+    if (pos != path.size() && path[pos] != '/') continue;
+    std::string prefix = path.substr(0, pos);
+    if (mkdir(prefix.c_str(), 0755) != 0 && errno != EEXIST)
+      return ErrnoStatus("cannot create " + prefix, errno);
+  }
+  if (!DirExists(path)) return Status::IOError(path + " is not a directory");
+  return Status::OK();
+}
+
+Status PosixFileSystem::ListDir(const std::string& path, std::vector<std::string>* names) {
+  DIR* dir = opendir(path.c_str());
+  if (dir == nullptr) return ErrnoStatus("cannot list " + path, errno);
+  names->clear();
+  while (struct dirent* entry = readdir(dir)) {
+    std::string name = entry->d_name;
+    if (name != "." && name != "..") names->push_back(std::move(name));
+  }
+  closedir(dir);
+  return Status::OK();
+}
+
+Status PosixFileSystem::RemoveFile(const std::string& path) {
+  if (unlink(path.c_str()) != 0) return ErrnoStatus("cannot remove " + path, errno);
+  return Status::OK();
+}
+
+}  // namespace cfg

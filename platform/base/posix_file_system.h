@@ -1,0 +1,44 @@
+#ifndef CMCFG_PLATFORM_BASE_POSIX_FILE_SYSTEM_H_
+#define CMCFG_PLATFORM_BASE_POSIX_FILE_SYSTEM_H_
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/base/file_system.h"
+#include "platform/base/status.h"
+
+namespace cfg {
+
+// The real file system. The steps of an atomic write that can fail on a
+// full disk or a broken medium are virtual, so a test can derive from this
+// class and make one of them fail while the rest stays real.
+class PosixFileSystem : public FileSystem {
+ public:
+  Status ReadFile(const std::string& path, std::string* contents) override;
+  Status WriteFileAtomic(const std::string& path, std::string_view contents) override;
+  bool FileExists(const std::string& path) override;
+  bool DirExists(const std::string& path) override;
+  Status CreateDirs(const std::string& path) override;
+  Status ListDir(const std::string& path, std::vector<std::string>* names) override;
+  Status RemoveFile(const std::string& path) override;
+
+ protected:
+  // Writes all of `data` to the open file `fd`.
+  virtual Status WriteAll(int fd, std::string_view data, const std::string& path);
+  // Flushes the open file `fd` to disk.
+  virtual Status Sync(int fd, const std::string& path);
+  // Renames `from` over `to`.
+  virtual Status Rename(const std::string& from, const std::string& to);
+
+ private:
+  Status WriteTemp(const std::string& temp, std::string_view contents, int mode);
+};
+
+// A name for the temporary file of an atomic write of `path`: in the same
+// folder, unique to this process and call.
+std::string TempPathFor(const std::string& path);
+
+}  // namespace cfg
+
+#endif  // CMCFG_PLATFORM_BASE_POSIX_FILE_SYSTEM_H_

@@ -1,0 +1,37 @@
+#ifndef CMCFG_PLATFORM_BLOCKS_FXS_DATA_ACCESSOR_H_
+#define CMCFG_PLATFORM_BLOCKS_FXS_DATA_ACCESSOR_H_
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+// Settings shared by every FXS port ("telephony/fxs.cfg"). One shared,
+// reference-counted instance per process: with createIfMissing a missing or
+// unreadable file gives an instance with the defaults below (never
+// nullptr), without it nullptr. A missing key or a value that does not
+// parse keeps the default.
+class FxsDataAccessor {
+ public:
+  static FxsDataAccessor* GetInstance(bool createIfMissing);
+  static void CloseInstance();
+
+  // Reads the file again from the defaults; false (values unchanged) when it
+  // cannot be read.
+  bool Reload();
+  // Writes every value back atomically, under the file's lock.
+  bool Save();
+
+  std::vector<unsigned long> ringCadence{1000, 2500};  // ms, ring and pause alternately
+  int32_t ringVoltage = 45;                            // Vrms
+  int32_t ringFrequency = 25;                          // Hz
+  int32_t flashTimeMin = 100;                          // ms; shorter on-hooks are ignored
+  int32_t flashTimeMax = 800;                          // ms; longer on-hooks hang up
+
+ private:
+  FxsDataAccessor() = default;
+  ~FxsDataAccessor() = default;
+  friend struct FxsDataAccessorInstance;
+  std::string path_;
+};
+
+#endif  // CMCFG_PLATFORM_BLOCKS_FXS_DATA_ACCESSOR_H_

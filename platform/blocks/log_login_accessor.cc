@@ -1,0 +1,56 @@
+#include "platform/blocks/log_login_accessor.h"
+
+#include "platform/base/config_root.h"
+#include "platform/blocks/settings_fields.h"
+#include "platform/blocks/shared_instance.h"
+
+namespace {
+
+using Field = blocks::SettingField<LogLoginAccessor>;
+
+const Field kFields[] = {
+    {"login", "login_trace", &LogLoginAccessor::loginTrace},
+    {"login", "login_audit", &LogLoginAccessor::loginAudit},
+};
+
+}  // namespace
+
+struct LogLoginAccessorInstance {
+  static LogLoginAccessor* Make(bool createIfMissing) {
+    try {
+      LogLoginAccessor* login = new LogLoginAccessor();
+      login->path_ = cfg::TelephonyPath("log_login.cfg");
+      if (login->Reload() || createIfMissing) return login;
+      delete login;
+    } catch (...) {  // out of memory: no instance
+    }
+    return nullptr;
+  }
+  static void Destroy(LogLoginAccessor* login) { delete login; }
+  static SharedInstance<LogLoginAccessor>& Shared() {
+    static SharedInstance<LogLoginAccessor> shared(&Make, &Destroy);
+    return shared;
+  }
+};
+
+LogLoginAccessor* LogLoginAccessor::GetInstance(bool createIfMissing) {
+  return LogLoginAccessorInstance::Shared().Acquire(createIfMissing);
+}
+
+void LogLoginAccessor::CloseInstance(LogLoginAccessor* instance) {
+  LogLoginAccessorInstance::Shared().Release(instance);
+}
+
+bool LogLoginAccessor::Reload() {
+  try {
+    LogLoginAccessor fresh;
+    if (!blocks::LoadFields(path_, kFields, &fresh).ok()) return false;
+    fresh.path_ = path_;
+    *this = fresh;
+    return true;
+  } catch (...) {
+    return false;
+  }
+}
+
+bool LogLoginAccessor::Save() { return blocks::SaveFields(path_, kFields, *this); }

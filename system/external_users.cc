@@ -1,0 +1,61 @@
+// The external users: users registered with the exchange that are not its
+// extensions, read from a cache file that may be trimmed to its limit.
+#include <sstream>
+
+#include "agent/agent_log.h"
+#include "cmcfg/cm_agent.h"
+#include "platform/base/multi_section_file.h"
+#include "platform/base/smart_buffer.h"
+
+namespace {
+
+std::string ReadText(Configuration::MultiSectionFile& file, const char* key, SmartBuffer& buffer) {
+  file.GetSectionEntry(key, buffer.GetData(), buffer.GetSize());
+  return buffer.GetData();
+}
+
+long ReadTime(Configuration::MultiSectionFile& file, const char* key, SmartBuffer& buffer) {
+  long value = 0;
+  std::istringstream in(ReadText(file, key, buffer));
+  in >> value;
+  return value;
+}
+
+}  // namespace
+
+bool CMAgent::GetExternalUserDB(const std::string& path, std::list<ExternalUserEntry>* users,
+                                bool trim) {
+  if (users == nullptr) return false;
+  users->clear();
+  Configuration::MultiSectionFile file(path, true, false, false, "section", "{\n", "}\n", "=", "#",
+                                       nullptr);
+  CMCFG_TRACE(this, "GetExternalUserDB: file - %s.\n", path.c_str());
+  file.Restart();
+  if (!file.GotoNextSection()) return false;
+
+  if (trim) {
+    long surplus = static_cast<long>(file.GetSectionCount()) - generalData.maxExternalUsers;
+    if (surplus > 0) {
+      // Users beyond the limit are dropped from the end of the file.
+      for (long i = 0; i < surplus; ++i) {
+        file.GotoLastSection();
+        file.DeleteSection();
+      }
+      file.Save(true);
+    }
+  }
+
+  file.Restart();
+  SmartBuffer buffer;
+  while (file.GotoNextSection()) {
+    ExternalUserEntry user;
+    user.e164Number = ReadText(file, "E164_phone_number", buffer);
+    user.userName = ReadText(file, "user_name", buffer);
+    user.displayName = ReadText(file, "user_display_name", buffer);
+    user.host = ReadText(file, "user_host_address", buffer);
+    user.port = ReadText(file, "user_host_port", buffer);
+    user.registrationTime = ReadTime(file, "registration_date_and_time", buffer);
+    users->push_back(user);
+  }
+  return true;
+}

@@ -1,0 +1,109 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "platform/base/document.h"
+
+namespace cfg {
+namespace {
+
+class BadInputTest : public ::testing::Test {
+ protected:
+  static std::string Formatted(const Document& doc, size_t i) {
+    return i < doc.diagnostics().size() ? doc.diagnostics()[i].Format("users.cfg") : "<none>";
+  }
+};
+
+TEST_F(BadInputTest, EntryWithoutSeparatorIsReportedWithCaret) {
+  Document doc = Document::Parse("section s\n{\n  just words\nk = v\n}\n");
+  ASSERT_EQ(1u, doc.diagnostics().size());
+  EXPECT_EQ("users.cfg:3: expected 'key = value'\n  just words\n  ^", Formatted(doc, 0));
+  EXPECT_EQ("v", doc[0].Get("k"));
+}
+
+TEST_F(BadInputTest, MissingCloserEndsSectionAtNextSectionAndAtEnd) {
+  Document doc = Document::Parse("section a\n{\nx = 1\nsection b\n{\ny = 2\n");
+  ASSERT_EQ(2u, doc.size());
+  EXPECT_EQ("1", doc.Find("a")->Get("x"));
+  EXPECT_FALSE(doc.Find("a")->Has("y"));
+  EXPECT_EQ("2", doc.Find("b")->Get("y"));
+  ASSERT_EQ(2u, doc.diagnostics().size());
+  EXPECT_EQ("users.cfg:4: expected '}' before the next section\nsection b\n^", Formatted(doc, 0));
+  EXPECT_EQ("users.cfg:4: section is not closed with '}'\nsection b\n         ^",
+            Formatted(doc, 1));
+}
+
+TEST_F(BadInputTest, StrayLinesAreReportedAndSkipped) {
+  Document doc = Document::Parse(
+      "orphan = 1\n"   // 1: outside any section
+      "}\n"            // 2
+      "section s\n"    // 3
+      "early = 2\n"    // 4: opener forgotten; kept
+      "{\n"            // 5: now unexpected
+      " = nokey\n"     // 6
+      "k = \"a\\qb\"\n"  // 7: unknown escape kept literally
+      "}\n");
+  ASSERT_EQ(1u, doc.size());
+  EXPECT_EQ("2", doc[0].Get("early"));
+  EXPECT_EQ("a\\qb", doc[0].Get("k"));
+  EXPECT_EQ(2u, doc[0].entries.size());
+  const auto& d = doc.diagnostics();
+  ASSERT_EQ(6u, d.size());
+  EXPECT_EQ("entry outside a section", d[0].message);
+  EXPECT_EQ("unexpected '}'", d[1].message);
+  EXPECT_EQ("expected '{'", d[2].message);
+  EXPECT_EQ("unexpected '{'", d[3].message);
+  EXPECT_EQ("users.cfg:6: missing key before '='\n = nokey\n ^", Formatted(doc, 4));
+  EXPECT_EQ("users.cfg:7: invalid escape sequence\nk = \"a\\qb\"\n      ^", Formatted(doc, 5));
+}
+
+TEST_F(BadInputTest, SectionWithoutNameStillHoldsItsEntries) {
+  Document doc = Document::Parse("section a\n{\n}\nsection\n{\nk = v\n}\n");
+  ASSERT_EQ(2u, doc.size());
+  EXPECT_EQ("", doc[1].name);
+  EXPECT_EQ("v", doc[1].Get("k"));
+  ASSERT_EQ(1u, doc.diagnostics().size());
+  EXPECT_EQ("users.cfg:4: section has no name\nsection\n       ^", Formatted(doc, 0));
+}
+
+TEST_F(BadInputTest, TruncatedFileKeepsWhatWasComplete) {
+  const std::string full = "section a\n{\nk = 1\n}\nsection b\n{\nlong_key = long value\n}\n";
+  for (size_t cut = 0; cut <= full.size(); ++cut) {
+    Document doc = Document::Parse(full.substr(0, cut));
+    if (cut >= 18) {
+      ASSERT_GE(doc.size(), 1u) << cut;
+      EXPECT_EQ("1", doc[0].Get("k")) << cut;
+    }
+    for (const Section& s : doc.sections()) EXPECT_LE(s.entries.size(), 1u);
+  }
+}
+
+TEST_F(BadInputTest, BinaryGarbageNeitherCrashesNorFloodsDiagnostics) {
+  std::string garbage;
+  unsigned state = 12345;
+  for (int i = 0; i < 200000; ++i) {
+    state = state * 1103515245u + 12345u;
+    garbage.push_back(static_cast<char>(state >> 16));
+  }
+  garbage += std::string("\nsection ok\n{\nk = v\n}\n", 21);
+  garbage.insert(0, std::string(10, '\0'));
+  Document doc = Document::Parse(garbage);
+  ASSERT_NE(nullptr, doc.Find("ok"));
+  EXPECT_EQ("v", doc.Find("ok")->Get("k"));
+  EXPECT_LE(doc.diagnostics().size(), 101u);
+  for (const Diagnostic& d : doc.diagnostics()) {
+    EXPECT_LE(d.text.size(), 200u);
+    EXPECT_EQ(std::string::npos, d.text.find('\0'));
+  }
+}
+
+TEST_F(BadInputTest, HugeLineIsReadAndQuotedShort) {
+  std::string big(1 << 20, 'x');
+  Document doc = Document::Parse("section s\n{\nbig = " + big + "\n" + big + "\n}\n");
+  EXPECT_EQ(big.size(), doc[0].Get("big").size());
+  ASSERT_EQ(1u, doc.diagnostics().size());
+  EXPECT_LT(doc.diagnostics()[0].Format("f").size(), 500u);
+}
+
+}  // namespace
+}  // namespace cfg
