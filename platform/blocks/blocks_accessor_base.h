@@ -56,7 +56,7 @@ class BlocksAccessorBase : public BlocksBase<Block> {
       }
       return status;
     } catch (...) {  // out of memory
-      return cfg::Status::IOError(path_ + ": out of memory");
+      return cfg::Status::IOError("out of memory");
     }
   }
   // True when the file was read or is missing.

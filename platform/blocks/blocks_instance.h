@@ -13,12 +13,13 @@
 template <typename Accessor>
 struct BlocksAccessorInstance {
   static Accessor* Make(bool createIfMissing) {
+    Accessor* accessor = nullptr;
     try {
-      Accessor* accessor = new Accessor(cfg::TelephonyPath(Accessor::kFileName));
+      accessor = new Accessor(cfg::TelephonyPath(Accessor::kFileName));
       if (accessor->LoadStatus().ok() || createIfMissing) return accessor;
-      delete accessor;
     } catch (...) {  // out of memory: no instance
     }
+    delete accessor;
     return nullptr;
   }
   static void Destroy(Accessor* accessor) { delete accessor; }

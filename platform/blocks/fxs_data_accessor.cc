@@ -20,13 +20,15 @@ const Field kFields[] = {
 
 struct FxsDataAccessorInstance {
   static FxsDataAccessor* Make(bool createIfMissing) {
+    FxsDataAccessor* fxs = nullptr;
     try {
-      FxsDataAccessor* fxs = new FxsDataAccessor();
+      fxs = new FxsDataAccessor();
+      fxs->known_ = blocks::FormatFields(*fxs, kFields);
       fxs->path_ = cfg::TelephonyPath("fxs.cfg");
       if (fxs->Reload() || createIfMissing) return fxs;
-      delete fxs;
     } catch (...) {  // out of memory: no instance
     }
+    delete fxs;
     return nullptr;
   }
   static void Destroy(FxsDataAccessor* fxs) { delete fxs; }
@@ -45,7 +47,7 @@ void FxsDataAccessor::CloseInstance() { FxsDataAccessorInstance::Shared().Releas
 bool FxsDataAccessor::Reload() {
   try {
     FxsDataAccessor fresh;
-    if (!blocks::LoadFields(path_, kFields, &fresh).ok()) return false;
+    if (!blocks::LoadFields(path_, kFields, &fresh, &fresh.known_).ok()) return false;
     fresh.path_ = path_;
     *this = fresh;
     return true;
@@ -54,4 +56,4 @@ bool FxsDataAccessor::Reload() {
   }
 }
 
-bool FxsDataAccessor::Save() { return blocks::SaveFields(path_, kFields, *this); }
+bool FxsDataAccessor::Save() { return blocks::SaveFields(path_, kFields, *this, &known_); }

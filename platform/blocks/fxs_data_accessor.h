@@ -18,7 +18,8 @@ class FxsDataAccessor {
   // Reads the file again from the defaults; false (values unchanged) when it
   // cannot be read.
   bool Reload();
-  // Writes every value back atomically, under the file's lock.
+  // Writes the values changed since the file was read or last saved,
+  // atomically and under the file's lock (as GeneralSettingsAccessor::Save).
   bool Save();
 
   std::vector<unsigned long> ringCadence{1000, 2500};  // ms, ring and pause alternately
@@ -32,6 +33,7 @@ class FxsDataAccessor {
   ~FxsDataAccessor() = default;
   friend struct FxsDataAccessorInstance;
   std::string path_;
+  std::vector<std::string> known_;  // value texts as last read or saved
 };
 
 #endif  // CMCFG_PLATFORM_BLOCKS_FXS_DATA_ACCESSOR_H_

@@ -20,13 +20,15 @@ const Field kFields[] = {
 
 struct GeneralPathsInstance {
   static GeneralPaths* Make(bool createIfMissing) {
+    GeneralPaths* paths = nullptr;
     try {
-      GeneralPaths* paths = new GeneralPaths();
+      paths = new GeneralPaths();
+      paths->known_ = blocks::FormatFields(*paths, kFields);
       paths->path_ = cfg::TelephonyPath("paths.cfg");
       if (paths->Reload() || createIfMissing) return paths;
-      delete paths;
     } catch (...) {  // out of memory: no instance
     }
+    delete paths;
     return nullptr;
   }
   static void Destroy(GeneralPaths* paths) { delete paths; }
@@ -45,15 +47,13 @@ void GeneralPaths::CloseInstance() { GeneralPathsInstance::Shared().Release(); }
 bool GeneralPaths::Reload() {
   try {
     GeneralPaths fresh;
-    if (!blocks::LoadFields(path_, kFields, &fresh).ok()) return false;
-    for (const Field& field : kFields) {
-      auto member = std::get<std::string GeneralPaths::*>(field.member);
-      this->*member = fresh.*member;
-    }
+    if (!blocks::LoadFields(path_, kFields, &fresh, &fresh.known_).ok()) return false;
+    fresh.path_ = path_;
+    *this = fresh;
     return true;
   } catch (...) {
     return false;
   }
 }
 
-bool GeneralPaths::Save() { return blocks::SaveFields(path_, kFields, *this); }
+bool GeneralPaths::Save() { return blocks::SaveFields(path_, kFields, *this, &known_); }

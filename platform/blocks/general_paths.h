@@ -2,6 +2,7 @@
 #define CMCFG_PLATFORM_BLOCKS_GENERAL_PATHS_H_
 
 #include <string>
+#include <vector>
 
 // Names of the runtime database files ("telephony/paths.cfg"). A bare file
 // name is placed by its user; a name with a folder part is used as it stands.
@@ -12,7 +13,9 @@ class GeneralPaths {
   static void CloseInstance();
 
   bool Reload();
-  // Writes the names back atomically under the file's lock; true on success.
+  // Writes the names changed since the file was read or last saved back
+  // atomically under the file's lock (as GeneralSettingsAccessor::Save);
+  // true on success.
   virtual bool Save();
 
   std::string externalUserCacheFile;
@@ -28,6 +31,7 @@ class GeneralPaths {
  private:
   friend struct GeneralPathsInstance;
   std::string path_;
+  std::vector<std::string> known_;  // value texts as last read or saved
 };
 
 #endif  // CMCFG_PLATFORM_BLOCKS_GENERAL_PATHS_H_

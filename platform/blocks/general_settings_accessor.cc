@@ -73,13 +73,15 @@ const Field kFields[] = {
 
 struct GeneralSettingsInstance {
   static GeneralSettingsAccessor* Make(bool createIfMissing) {
+    GeneralSettingsAccessor* settings = nullptr;
     try {
-      GeneralSettingsAccessor* settings = new GeneralSettingsAccessor();
+      settings = new GeneralSettingsAccessor();
+      settings->known_ = blocks::FormatFields(*settings, kFields);
       settings->path_ = cfg::TelephonyPath("general.cfg");
       if (settings->Reload() || createIfMissing) return settings;
-      delete settings;
     } catch (...) {  // out of memory: no instance
     }
+    delete settings;
     return nullptr;
   }
   static void Destroy(GeneralSettingsAccessor* settings) { delete settings; }
@@ -99,7 +101,7 @@ bool GeneralSettingsAccessor::Reload() {
   try {
     // Keys dropped from the file since the last read fall back to defaults.
     GeneralSettingsAccessor fresh;
-    if (!blocks::LoadFields(path_, kFields, &fresh).ok()) return false;
+    if (!blocks::LoadFields(path_, kFields, &fresh, &fresh.known_).ok()) return false;
     fresh.path_ = path_;
     *this = fresh;
     return true;
@@ -108,4 +110,4 @@ bool GeneralSettingsAccessor::Reload() {
   }
 }
 
-bool GeneralSettingsAccessor::Save() { return blocks::SaveFields(path_, kFields, *this); }
+bool GeneralSettingsAccessor::Save() { return blocks::SaveFields(path_, kFields, *this, &known_); }

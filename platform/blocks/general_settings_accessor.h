@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <list>
 #include <string>
+#include <vector>
 
 // The appliance's general settings ("telephony/general.cfg"). One shared,
 // reference-counted instance per process: GetInstance/CloseInstance pairs.
@@ -23,7 +24,10 @@ class GeneralSettingsAccessor {
   // values then stay as they were.
   bool Reload();
   bool Load() { return Reload(); }
-  // Writes every value back atomically, under the file's lock.
+  // Writes the values changed since the file was read or last saved,
+  // atomically and under the file's lock; values another process saved in
+  // the meantime survive unless changed here too. True also when nothing
+  // changed.
   bool Save();
 
   // --- logging
@@ -88,6 +92,7 @@ class GeneralSettingsAccessor {
   ~GeneralSettingsAccessor() = default;
   friend struct GeneralSettingsInstance;
   std::string path_;
+  std::vector<std::string> known_;  // value texts as last read or saved
 };
 
 #endif  // CMCFG_PLATFORM_BLOCKS_GENERAL_SETTINGS_ACCESSOR_H_

@@ -17,13 +17,15 @@ const Field kFields[] = {
 
 struct LogLoginAccessorInstance {
   static LogLoginAccessor* Make(bool createIfMissing) {
+    LogLoginAccessor* login = nullptr;
     try {
-      LogLoginAccessor* login = new LogLoginAccessor();
+      login = new LogLoginAccessor();
+      login->known_ = blocks::FormatFields(*login, kFields);
       login->path_ = cfg::TelephonyPath("log_login.cfg");
       if (login->Reload() || createIfMissing) return login;
-      delete login;
     } catch (...) {  // out of memory: no instance
     }
+    delete login;
     return nullptr;
   }
   static void Destroy(LogLoginAccessor* login) { delete login; }
@@ -44,7 +46,7 @@ void LogLoginAccessor::CloseInstance(LogLoginAccessor* instance) {
 bool LogLoginAccessor::Reload() {
   try {
     LogLoginAccessor fresh;
-    if (!blocks::LoadFields(path_, kFields, &fresh).ok()) return false;
+    if (!blocks::LoadFields(path_, kFields, &fresh, &fresh.known_).ok()) return false;
     fresh.path_ = path_;
     *this = fresh;
     return true;
@@ -53,4 +55,4 @@ bool LogLoginAccessor::Reload() {
   }
 }
 
-bool LogLoginAccessor::Save() { return blocks::SaveFields(path_, kFields, *this); }
+bool LogLoginAccessor::Save() { return blocks::SaveFields(path_, kFields, *this, &known_); }

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 // The login logging flags ("telephony/log_login.cfg"). Shared instance as
 // FxsDataAccessor, except that CloseInstance is given the instance (a
@@ -12,6 +13,7 @@ class LogLoginAccessor {
   static LogLoginAccessor* GetInstance(bool createIfMissing);
   static void CloseInstance(LogLoginAccessor* instance);
 
+  // As FxsDataAccessor's.
   bool Reload();
   bool Save();
 
@@ -23,6 +25,7 @@ class LogLoginAccessor {
   ~LogLoginAccessor() = default;
   friend struct LogLoginAccessorInstance;
   std::string path_;
+  std::vector<std::string> known_;  // value texts as last read or saved
 };
 
 #endif  // CMCFG_PLATFORM_BLOCKS_LOG_LOGIN_ACCESSOR_H_

@@ -3,12 +3,14 @@
 #include <thread>
 #include <vector>
 
-#include "tests/platform/blocks/all_accessors.h"
+#include "platform/blocks/gateway_accessor.h"
+#include "platform/blocks/general_settings_accessor.h"
+#include "platform/blocks/log_login_accessor.h"
+#include "platform/blocks/tos_params_accessor.h"
 #include "tests/support/temp_root.h"
 
 namespace {
 
-using blocks_testing::OpenAndCloseAll;
 using testing_support::TempRoot;
 
 class AccessorInstancesTest : public ::testing::Test {
@@ -17,20 +19,19 @@ class AccessorInstancesTest : public ::testing::Test {
   TempRoot root_;
 };
 
-TEST_F(AccessorInstancesTest, MissingFilesGiveDefaultsOnlyWhenAskedTo) {
-  EXPECT_EQ(0, OpenAndCloseAll(false));
-  EXPECT_EQ(blocks_testing::kFlaggedCount, OpenAndCloseAll(true));
-  EXPECT_EQ(nullptr, SysMessageAccessor::GetInstance());
-  SysMessageAccessor::CloseInstance();  // harmless without an instance
-
-  GeneralSettingsAccessor* settings = GeneralSettingsAccessor::GetInstance(true);
-  EXPECT_EQ(64u, settings->maxExtensions);
-  EXPECT_EQ("R", settings->routingMode);
-  // An existing instance is handed out whatever the flag.
+TEST_F(AccessorInstancesTest, AnOpenInstanceIsHandedOutWhateverTheFlag) {
+  GeneralSettingsAccessor* settings = GeneralSettingsAccessor::GetInstance(true);  // no file
   EXPECT_EQ(settings, GeneralSettingsAccessor::GetInstance(false));
   GeneralSettingsAccessor::CloseInstance();
   GeneralSettingsAccessor::CloseInstance();
   EXPECT_EQ(nullptr, GeneralSettingsAccessor::GetInstance(false));
+
+  LogLoginAccessor* login = LogLoginAccessor::GetInstance(true);
+  LogLoginAccessor::CloseInstance(nullptr);  // what a failed GetInstance hands back
+  EXPECT_EQ(login, LogLoginAccessor::GetInstance(false));
+  LogLoginAccessor::CloseInstance(login);
+  LogLoginAccessor::CloseInstance(login);
+  EXPECT_EQ(nullptr, LogLoginAccessor::GetInstance(false));
 }
 
 TEST_F(AccessorInstancesTest, FileIsReadAgainOnlyAfterTheLastClose) {
@@ -60,16 +61,6 @@ TEST_F(AccessorInstancesTest, NewInstanceFollowsTheCurrentRoot) {
   ASSERT_NE(nullptr, login);
   EXPECT_EQ(2, login->loginTrace);
   LogLoginAccessor::CloseInstance(login);
-}
-
-TEST_F(AccessorInstancesTest, ClosingANullLogLoginInstanceKeepsTheOpenOne) {
-  LogLoginAccessor* login = LogLoginAccessor::GetInstance(true);
-  LogLoginAccessor::CloseInstance(nullptr);  // what a failed GetInstance hands back
-  EXPECT_EQ(login, LogLoginAccessor::GetInstance(false));
-  LogLoginAccessor::CloseInstance(login);
-  LogLoginAccessor::CloseInstance(login);
-  LogLoginAccessor::CloseInstance(login);  // one close too many: harmless
-  EXPECT_EQ(nullptr, LogLoginAccessor::GetInstance(false));
 }
 
 TEST_F(AccessorInstancesTest, ThreadsShareOneInstance) {

@@ -13,11 +13,7 @@
 
 namespace blocks_testing {
 
-// The files of the accessors that take createIfMissing, and of the system
-// messages, which do not.
-inline const char* const kFlaggedFiles[] = {
-    "general.cfg",           "paths.cfg",        "gateways.cfg", "fxs.cfg", "tos.cfg",
-    "authorized_phones.cfg", "ringpatterns.cfg", "log_login.cfg"};
+// The number of accessors that take createIfMissing.
 constexpr int kFlaggedCount = 8;
 
 // Drops one reference of every accessor that takes the flag but
