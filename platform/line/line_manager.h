@@ -45,10 +45,11 @@ class LineManagerBase {
   enum LineMngType { kLineDb = 0, kFxsLines = 1, kFxoLines = 2 };
 
   virtual ~LineManagerBase();
-  // Entries of this manager's type, in file order. reload: read the file
-  // again first.
+  // Entries of this manager's type, in file order; the file is read on
+  // first use, and again when `reload` is set (which invalidates entries
+  // returned before). A missing or bad file has no entries.
   const std::list<LineBase*>& GetLines(bool reload);
-  // The entry of that gateway and line, or nullptr.
+  // The entry of that gateway and line, or nullptr (reload as above).
   LineBase* GetLine(uint32_t gatewayId, uint32_t lineId, bool reload);
   LineMngType GetType() const { return type_; }
 

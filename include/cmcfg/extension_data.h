@@ -1,0 +1,83 @@
+#ifndef CMCFG_EXTENSION_DATA_H_
+#define CMCFG_EXTENSION_DATA_H_
+
+#include <cstdint>
+#include <list>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "cmcfg/export.h"
+#include "cmcfg/line_records.h"
+#include "cmcfg/sup_service_records.h"
+#include "cmcfg/system_records.h"
+#include "cmcfg/types.h"
+#include "cmcfg/usr_data.h"
+
+// Voice-mail settings of an extension.
+struct CMCFG_EXPORT VmsSettings {
+  // Off in mode 0; strict also asks for a custom mailbox (mode 2 or 3 with
+  // a mailbox named).
+  bool IsOn(bool strict) const;
+  int32_t mode = 0;
+  std::string mailbox;
+  int32_t rings = 1;
+};
+
+// Remote-control policy of an extension.
+struct CMCFG_EXPORT RcSettings {
+  bool IsExtPolicyOn(unsigned char mask) const { return (policy & mask) != 0; }
+  // first: bit 0x01 together with the value; otherwise bit 0x02.
+  void ToggleExtPolicy(bool on, bool first, unsigned long value);
+  int32_t value = 0;
+  unsigned char policy = 0;
+};
+
+typedef std::pair<KeySequence, KeypadButton> FunctionalEntry;
+typedef std::pair<KeySequence, ForwardParams> SpeedDialEntry;
+
+// One extension of the extension table.
+class CMCFG_EXPORT ExtensionData : public UsrData {
+ public:
+  ExtensionData() = default;
+  ExtensionData(const ExtensionData&) = default;
+  ExtensionData& operator=(const ExtensionData&) = default;
+  ~ExtensionData() = default;
+
+  bool IsMailboxOn(bool strict) const { return vms.IsOn(strict); }
+  // The any-caller contact's unconditional forward; false without one.
+  bool IsForwardOn() const;
+
+  std::list<AddressBookEntry> addressBook;
+  std::list<AccessData> accessList;         // who may call a group
+  std::list<std::string> groupMembers;      // members of a pickup or paging group
+  PasswordData password;
+  std::vector<FunctionalEntry> functionalTable;  // ascending key sequences
+  std::vector<SpeedDialEntry> speedDial;         // ascending key sequences
+  int32_t callWaiting = 0;
+  int32_t noAnswerTimeout = 10;
+  int32_t callParkTimeout = 60;  // seconds
+  uint32_t redialInterval = 0;
+  uint32_t redialPeriod = 0;
+  std::string description;
+  int32_t doNotDisturb = 0;
+  FXOSettings fxo;
+  CASSettings cas;
+  ISDNSettings isdn;
+  int32_t hotline = 0;
+  int32_t callTransfer = 0;
+  AutoCallData autoCall;
+  LineSettings line;
+  WatchSettings watch;
+  VmsSettings vms;
+  RcSettings rc;
+  ExtType type = kExtUser;
+  int32_t userClass = 0;
+  int32_t language = 0;
+  int32_t service1First = 1, service1Second = 0;
+  int32_t service2First = 1, service2Second = 0;
+  int32_t service3First = 1, service3Second = 0;
+  int32_t option1 = 0, option2 = 1, option3 = 1, option4 = 0;
+};
+
+#endif  // CMCFG_EXTENSION_DATA_H_

@@ -1,0 +1,162 @@
+#include "platform/line/line_manager.h"
+
+#include <cstdlib>
+#include <mutex>
+#include <vector>
+
+#include "platform/base/file_system.h"
+
+const uint32_t gUndefinedLine = 0xFFFFFFFFu;
+
+namespace {
+
+// Section names of the three kinds of entries: "binding 1/3", "fxs 1/3",
+// "fxo 1/1" (gateway/line).
+const char* const kKinds[] = {"binding", "fxs", "fxo"};
+
+std::mutex& LineDbMutex() {
+  static std::mutex mu;
+  return mu;
+}
+
+std::string& LineDbName() {
+  static std::string name;
+  return name;
+}
+
+bool ParseNumber(std::string_view text, uint32_t* value) {
+  if (text.empty() || text.size() > 10) return false;
+  uint64_t v = 0;
+  for (char c : text) {
+    if (c < '0' || c > '9') return false;
+    v = v * 10 + static_cast<uint64_t>(c - '0');
+  }
+  if (v > 0xFFFFFFFFull) return false;
+  *value = static_cast<uint32_t>(v);
+  return true;
+}
+
+int32_t Int(const cfg::Section& section, std::string_view key, int32_t fallback) {
+  std::string value(section.Get(key));
+  if (value.empty()) return fallback;
+  char* end = nullptr;
+  long v = std::strtol(value.c_str(), &end, 0);
+  return (*end == '\0' && v >= INT32_MIN && v <= INT32_MAX) ? static_cast<int32_t>(v) : fallback;
+}
+
+// Reads "KIND G/L" into the endpoint; false for another kind or a bad name.
+bool ParseEndpoint(std::string_view name, int type, uint32_t* gateway, uint32_t* line) {
+  std::string_view kind = kKinds[type];
+  if (name.size() <= kind.size() + 1 || name.substr(0, kind.size()) != kind ||
+      name[kind.size()] != ' ')
+    return false;
+  std::string_view endpoint = name.substr(kind.size() + 1);
+  size_t slash = endpoint.find('/');
+  if (slash == std::string_view::npos) return false;
+  return ParseNumber(endpoint.substr(0, slash), gateway) &&
+         ParseNumber(endpoint.substr(slash + 1), line);
+}
+
+void ReadEntry(const cfg::Section& s, int type, LineBase* entry) {
+  switch (type) {
+    case LineManagerBase::kLineDb:
+      entry->extension = std::string(s.Get("extension"));
+      entry->presentationId = static_cast<uint32_t>(Int(s, "presentation_id", 0));
+      break;
+    case LineManagerBase::kFxsLines:
+      entry->symmetricRtp = Int(s, "symmetric_rtp", 0);
+      entry->disconnect[0] = Int(s, "disconnect_mode", 0);
+      entry->disconnect[1] = Int(s, "disconnect_min_ms", 0);
+      entry->disconnect[2] = Int(s, "disconnect_max_ms", 0);
+      entry->disconnect[3] = Int(s, "disconnect_delay_s", 5);
+      entry->fxsExtra = Int(s, "caller_id_type", 0);
+      entry->rtpProxy = Int(s, "rtp_proxy", 0);
+      break;
+    default:
+      entry->fxoNumber = std::string(s.Get("number"));
+      entry->fxoEnabled = Int(s, "enabled", 1);
+      break;
+  }
+}
+
+}  // namespace
+
+struct LineManagerBase::Rep {
+  std::string path;
+  bool loaded = false;
+  std::vector<std::unique_ptr<LineBase>> owned;
+  std::list<LineBase*> lines;
+};
+
+LineManagerBase::LineManagerBase(LineMngType type, std::string path) : rep_(new Rep), type_(type) {
+  rep_->path = std::move(path);
+}
+
+LineManagerBase::~LineManagerBase() = default;
+
+const std::list<LineBase*>& LineManagerBase::GetLines(bool reload) {
+  if (reload || !rep_->loaded) {
+    rep_->loaded = true;
+    rep_->owned.clear();
+    rep_->lines.clear();
+    cfg::Document doc;
+    cfg::LoadDocument(rep_->path, &doc);  // a missing or bad file has no lines
+    for (const cfg::Section& section : doc.sections()) {
+      uint32_t gateway = 0, line = 0;
+      if (!ParseEndpoint(section.name, type_, &gateway, &line)) continue;
+      if (GetLine(gateway, line, false) != nullptr) continue;  // first one counts
+      std::unique_ptr<LineBase> entry(new LineBase);
+      entry->gatewayId = gateway;
+      entry->lineId = line;
+      entry->path_ = rep_->path;
+      entry->type_ = type_;
+      ReadEntry(section, type_, entry.get());
+      rep_->lines.push_back(entry.get());
+      rep_->owned.push_back(std::move(entry));
+    }
+  }
+  return rep_->lines;
+}
+
+LineBase* LineManagerBase::GetLine(uint32_t gatewayId, uint32_t lineId, bool reload) {
+  if (reload || !rep_->loaded) GetLines(true);
+  for (LineBase* entry : rep_->lines)
+    if (entry->gatewayId == gatewayId && entry->lineId == lineId) return entry;
+  return nullptr;
+}
+
+bool LineBase::Load() {
+  cfg::Document doc;
+  if (!cfg::LoadDocument(path_, &doc).ok()) return false;
+  for (const cfg::Section& section : doc.sections()) {
+    uint32_t gateway = 0, line = 0;
+    if (ParseEndpoint(section.name, type_, &gateway, &line) && gateway == gatewayId &&
+        line == lineId) {
+      ReadEntry(section, type_, this);
+      return true;
+    }
+  }
+  return false;
+}
+
+LineManager::LineManager(LineMngType type, const std::string& path, bool readNow)
+    : LineManagerBase(type, path) {
+  if (readNow) GetLines(true);
+}
+
+LineManager::~LineManager() = default;
+
+void LineManager::SetLineDB(const std::string& path) {
+  std::lock_guard<std::mutex> lock(LineDbMutex());
+  LineDbName() = path;
+}
+
+void LineManager::UnsetLineDB() {
+  std::lock_guard<std::mutex> lock(LineDbMutex());
+  LineDbName().clear();
+}
+
+std::string LineManager::GetLineDB() {
+  std::lock_guard<std::mutex> lock(LineDbMutex());
+  return LineDbName();
+}

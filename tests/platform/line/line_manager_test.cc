@@ -1,0 +1,91 @@
+#include "platform/line/line_manager.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/temp_root.h"
+
+namespace {
+
+using testing_support::TempRoot;
+
+const char kLineDb[] =
+    "section binding 1/2\n{\nextension = 102\npresentation_id = 2\n}\n"
+    "section fxs 1/2\n{\nsymmetric_rtp = 1\ndisconnect_mode = 3\ndisconnect_min_ms = 200\n"
+    "disconnect_max_ms = 900\ncaller_id_type = 4\nrtp_proxy = 1\n}\n"
+    "section binding 1/1\n{\nextension = 101\npresentation_id = 1\n}\n"
+    "section binding 1/1\n{\nextension = duplicate\n}\n"
+    "section fxo 1/1\n{\nnumber = 0301234567\n}\n"
+    "section binding x/1\n{\nextension = bad endpoint\n}\n"
+    "section fxs 2/1\n{\n}\n";
+
+class LineManagerTest : public ::testing::Test {
+ protected:
+  void SetUp() override { root_.Write("telephony/linedb", kLineDb); }
+  std::string Db() const { return root_.Path("telephony/linedb"); }
+  TempRoot root_;
+};
+
+TEST_F(LineManagerTest, EachTypeReadsOnlyItsSectionsInFileOrder) {
+  LineManager bindings(LineManagerBase::kLineDb, Db(), true);
+  const std::list<LineBase*>& lines = bindings.GetLines(false);
+  ASSERT_EQ(2u, lines.size());  // the duplicate and the bad endpoint are skipped
+  EXPECT_EQ("102", lines.front()->extension);
+  EXPECT_EQ(2u, lines.front()->presentationId);
+  EXPECT_EQ("101", lines.back()->extension);
+
+  LineManager fxs(LineManagerBase::kFxsLines, Db(), false);
+  EXPECT_EQ(2u, fxs.GetLines(false).size());
+  LineManager fxo(LineManagerBase::kFxoLines, Db(), false);
+  ASSERT_EQ(1u, fxo.GetLines(false).size());
+  EXPECT_EQ("0301234567", fxo.GetLines(false).front()->fxoNumber);
+}
+
+TEST_F(LineManagerTest, FxsLinesCarryTheirSettingsAndDefaults) {
+  LineManager fxs(LineManagerBase::kFxsLines, Db(), false);
+  LineBase* line = fxs.GetLine(1, 2, false);
+  ASSERT_NE(nullptr, line);
+  EXPECT_EQ(1, line->symmetricRtp);
+  EXPECT_EQ(1, line->rtpProxy);
+  EXPECT_EQ(4, line->fxsExtra);
+  EXPECT_EQ((std::vector<int32_t>{3, 200, 900, 5}),
+            std::vector<int32_t>(line->disconnect, line->disconnect + 4));
+  LineBase* bare = fxs.GetLine(2, 1, false);
+  ASSERT_NE(nullptr, bare);
+  EXPECT_EQ(5, bare->disconnect[3]);
+  EXPECT_EQ(nullptr, fxs.GetLine(9, 9, false));
+}
+
+TEST_F(LineManagerTest, ReloadAndLoadSeeTheFileAsItIsNow) {
+  LineManager bindings(LineManagerBase::kLineDb, Db(), true);
+  LineBase* entry = bindings.GetLine(1, 1, false);
+  ASSERT_NE(nullptr, entry);
+  root_.Write("telephony/linedb", "section binding 1/1\n{\nextension = 105\npresentation_id = 9\n}\n");
+  EXPECT_TRUE(entry->Load());
+  EXPECT_EQ("105", entry->extension);
+  EXPECT_EQ(9u, entry->presentationId);
+  EXPECT_EQ(2u, bindings.GetLines(false).size());  // until reloaded
+  EXPECT_EQ(1u, bindings.GetLines(true).size());
+
+  root_.Write("telephony/linedb", "");
+  EXPECT_FALSE(bindings.GetLines(false).front()->Load());  // the entry is gone
+}
+
+TEST_F(LineManagerTest, BadFilesHaveNoLines) {
+  root_.Write("telephony/garbage", std::string("\0\x01section binding 1/1\n{\n", 24));
+  LineManager garbage(LineManagerBase::kLineDb, root_.Path("telephony/garbage"), true);
+  EXPECT_LE(garbage.GetLines(false).size(), 1u);
+  LineManager missing(LineManagerBase::kLineDb, root_.Path("telephony/none"), true);
+  EXPECT_TRUE(missing.GetLines(true).empty());
+  LineManager folder(LineManagerBase::kLineDb, root_.Path("telephony"), true);
+  EXPECT_TRUE(folder.GetLines(true).empty());
+}
+
+TEST(LineDbName, IsSetAndUnsetProcessWide) {
+  LineManager::SetLineDB("/x/telephony/linedb");
+  EXPECT_EQ("/x/telephony/linedb", LineManager::GetLineDB());
+  LineManager::UnsetLineDB();
+  EXPECT_EQ("", LineManager::GetLineDB());
+  EXPECT_EQ(0xFFFFFFFFu, gUndefinedLine);
+}
+
+}  // namespace
