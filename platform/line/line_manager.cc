@@ -6,8 +6,6 @@
 
 #include "platform/base/file_system.h"
 
-const uint32_t gUndefinedLine = 0xFFFFFFFFu;
-
 namespace {
 
 // Section names of the three kinds of entries: "binding 1/3", "fxs 1/3",

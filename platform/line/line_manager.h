@@ -7,7 +7,7 @@
 #include <string>
 
 // "No gateway" / "no line".
-extern const uint32_t gUndefinedLine;
+inline constexpr uint32_t gUndefinedLine = 0xFFFFFFFFu;
 
 // One entry of the line database. Which fields are filled depends on the
 // manager type that read it: the binding (type 0) fills extension and

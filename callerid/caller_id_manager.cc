@@ -1,0 +1,86 @@
+#include "cmcfg/caller_id_manager.h"
+
+#include "cmcfg/system_records.h"
+
+namespace {
+
+bool IsAllowed(CallerIDManager::CallType type, char letter) {
+  switch (letter) {
+    case 'a':
+    case 'd':
+    case 'u':
+      return true;
+    case 'h':
+      return type == CallerIDManager::kIp;
+    default:
+      return false;
+  }
+}
+
+const std::string& TemplateFor(CallerIDManager::CallType type, const GeneralData& data) {
+  switch (type) {
+    case CallerIDManager::kIp:
+      return data.callerIdIp;
+    case CallerIDManager::kPstn:
+      return data.callerIdPstn;
+    default:
+      return data.callerIdLocal;
+  }
+}
+
+std::string Address(CallerIDManager::CallType type, const CallParams& caller) {
+  if (!caller.displayName.empty()) return caller.displayName;
+  if (type == CallerIDManager::kIp && !caller.host.empty()) {
+    return caller.userName + "@" + caller.host;
+  }
+  return caller.userName;
+}
+
+}  // namespace
+
+bool CallerIDManager::Check(CallType type, const std::string& pattern,
+                            std::list<std::string>& tokens) {
+  tokens.clear();
+  std::string rest = pattern;
+  for (;;) {
+    size_t percent = rest.find('%');
+    if (percent == std::string::npos) break;
+    if (percent > 0) {
+      tokens.push_back(rest.substr(0, percent));
+      rest.erase(0, percent);
+    }
+    if (rest.size() < 2 || !IsAllowed(type, rest[1])) return false;
+    tokens.push_back(rest.substr(0, 2));
+    rest.erase(0, 2);
+  }
+  tokens.push_back(rest);
+  return true;
+}
+
+bool CallerIDManager::Parse(CallType type, const CallParams& caller, const GeneralData& data,
+                            std::string* result) {
+  if (result == nullptr) return false;
+  std::list<std::string> tokens;
+  if (!Check(type, TemplateFor(type, data), tokens)) return false;
+  for (const std::string& token : tokens) {
+    if (token.size() != 2 || token[0] != '%') {
+      result->append(token);
+      continue;
+    }
+    switch (token[1]) {
+      case 'u':
+        result->append(caller.userName);
+        break;
+      case 'd':
+        result->append(caller.displayName);
+        break;
+      case 'h':
+        result->append(caller.host);
+        break;
+      case 'a':
+        result->append(Address(type, caller));
+        break;
+    }
+  }
+  return true;
+}

@@ -1,0 +1,63 @@
+#include "cmcfg/caller_id_manager.h"
+
+#include <gtest/gtest.h>
+
+#include "cmcfg/system_records.h"
+
+namespace {
+
+class CallerIdTest : public ::testing::Test {
+ protected:
+  CallerIdTest() {
+    caller_.userName = "101";
+    caller_.host = "pbx.example";
+  }
+
+  // The text for a template of the call type, or "<invalid>".
+  std::string Text(CallerIDManager::CallType type, const std::string& pattern) {
+    GeneralData data;
+    (type == CallerIDManager::kLocal ? data.callerIdLocal
+     : type == CallerIDManager::kIp  ? data.callerIdIp
+                                     : data.callerIdPstn) = pattern;
+    std::string result = "[";
+    if (!manager_.Parse(type, caller_, data, &result)) return "<invalid>";
+    return result;
+  }
+
+  CallerIDManager manager_;
+  CallParams caller_;
+};
+
+TEST_F(CallerIdTest, AddressFallsBackOnlyForA) {
+  EXPECT_EQ("[", Text(CallerIDManager::kLocal, "%d"));
+  EXPECT_EQ("[101", Text(CallerIDManager::kLocal, "%a"));
+  EXPECT_EQ("[101@pbx.example", Text(CallerIDManager::kIp, "%a"));
+  caller_.host.clear();
+  EXPECT_EQ("[101", Text(CallerIDManager::kIp, "%a"));
+  caller_.displayName = "Alice";
+  EXPECT_EQ("[Call from Alice (101)", Text(CallerIDManager::kPstn, "Call from %a (%u)"));
+}
+
+TEST_F(CallerIdTest, HostOnlyForIpCalls) {
+  EXPECT_EQ("[101 at pbx.example", Text(CallerIDManager::kIp, "%u at %h"));
+  EXPECT_EQ("<invalid>", Text(CallerIDManager::kLocal, "%h"));
+  EXPECT_EQ("<invalid>", Text(CallerIDManager::kPstn, "%u@%h"));
+}
+
+TEST_F(CallerIdTest, BadTemplatesLeaveResultUntouched) {
+  EXPECT_EQ("<invalid>", Text(CallerIDManager::kLocal, "100%"));
+  EXPECT_EQ("<invalid>", Text(CallerIDManager::kLocal, "%x"));
+  EXPECT_EQ("<invalid>", Text(CallerIDManager::kLocal, "%%"));
+  EXPECT_EQ("[", Text(CallerIDManager::kLocal, ""));
+
+  GeneralData data;
+  EXPECT_FALSE(manager_.Parse(CallerIDManager::kLocal, caller_, data, nullptr));
+}
+
+TEST_F(CallerIdTest, CheckSplitsLiteralsAndPlaceholders) {
+  std::list<std::string> tokens = {"stale"};
+  ASSERT_TRUE(manager_.Check(CallerIDManager::kIp, "<%d>%u@%h", tokens));
+  EXPECT_EQ((std::list<std::string>{"<", "%d", ">", "%u", "@", "%h", ""}), tokens);
+}
+
+}  // namespace

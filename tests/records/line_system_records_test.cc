@@ -1,0 +1,124 @@
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "cmcfg/line_records.h"
+#include "cmcfg/system_records.h"
+#include "platform/base/thread_mutex.h"
+#include "platform/extension/ext_params.h"
+#include "tests/support/temp_root.h"
+
+namespace {
+
+TEST(LineSettingsTest, ClearUnbindsOnlyTheLocalPort) {
+  LineSettings line;
+  EXPECT_EQ(INACTIVE_PARTY, line.lineId);
+  EXPECT_EQ(INACTIVE_PARTY, line.gatewayId);
+  EXPECT_EQ(0u, line.presentationId);
+  EXPECT_EQ(1, line.lineFlag);
+  EXPECT_EQ(5, line.disconnect.values[3]);
+  EXPECT_EQ(INACTIVE_PARTY, line.remote.lineId);
+
+  line.lineId = 3;
+  line.gatewayId = 1;
+  line.presentationId = 7;
+  line.lineFlag = 4;
+  line.callQueue.size = 10;
+  line.remote.isRemote = 1;
+  line.remote.lineId = 2;
+  line.voiceCodecs.push_back(CodecInfo());
+  line.Clear(true);
+  EXPECT_EQ(INACTIVE_PARTY, line.lineId);
+  EXPECT_EQ(INACTIVE_PARTY, line.gatewayId);
+  EXPECT_EQ(1, line.lineFlag);
+  EXPECT_EQ(7u, line.presentationId);
+  EXPECT_EQ(10, line.callQueue.size);
+  EXPECT_EQ(1, line.remote.isRemote);
+  EXPECT_EQ(1u, line.voiceCodecs.size());
+
+  line.Clear(false);
+  EXPECT_EQ(0, line.callQueue.size);
+  EXPECT_EQ(1, line.remote.isRemote);
+
+  line.callQueue.size = 10;
+  line.Reset(true);
+  EXPECT_EQ(10, line.callQueue.size);
+  EXPECT_EQ(0, line.remote.isRemote);
+  EXPECT_EQ(INACTIVE_PARTY, line.remote.lineId);
+}
+
+TEST(FaxDataTest, ToneDetectionForcingWinsOverFaxOff) {
+  FaxData fax;
+  EXPECT_FALSE(fax.IsFaxOn());
+  EXPECT_TRUE(fax.IsStartFaxToneDetection(true, true));
+  EXPECT_FALSE(fax.IsStartFaxToneDetection(false, true));
+  EXPECT_FALSE(fax.IsStartFaxToneDetection(true, false));
+  fax.toneDetectionForced = 1;
+  EXPECT_TRUE(fax.IsStartFaxToneDetection(true, false));
+
+  ExtServicesParams services;
+  services.faxModeB = 1;
+  services.faxToneDetection = 1;
+  services.faxProfile = "t38";
+  services.modemMode = 2;
+  fax.faxCodecs.push_back(FaxCodecInfo());
+  fax = services;
+  EXPECT_EQ(1u, fax.faxCodecs.size());
+  EXPECT_EQ("t38", fax.faxProfile);
+  EXPECT_EQ(0, fax.toneDetectionForced);
+  EXPECT_TRUE(fax.IsFaxOn());
+  EXPECT_TRUE(fax.IsStartFaxToneDetection(true, false));
+  EXPECT_TRUE(fax.IsStartFaxToneDetection(false, false));
+
+  ModemData modem;
+  modem = services;
+  EXPECT_EQ(2, modem.modemMode);
+}
+
+TEST(TosSettingsTest, KnownProfileCopiedUnknownLeavesRecord) {
+  testing_support::TempRoot root;
+  root.Write("telephony/tos.cfg", "section 1\n{\nname = voice\nsignaling_tos = 0x68\nmedia_tos = 0xB8\n}\n");
+  TosSettings tos;
+  tos = std::string("voice");
+  EXPECT_EQ(0x68, tos.signaling);
+  EXPECT_EQ(0xB8, tos.media);
+  tos = std::string("nosuch");
+  EXPECT_EQ(0x68, tos.signaling);
+  EXPECT_EQ(0xB8, tos.media);
+}
+
+std::vector<unsigned long> DefaultCadenceWithFxs(const char* fxsCadence) {
+  testing_support::TempRoot root;
+  if (fxsCadence != nullptr) {
+    root.Write("telephony/fxs.cfg", std::string("section fxs\n{\nring_cadence = ") + fxsCadence +
+                                        "\n}\n");
+  }
+  _gDefRingPattern.Init();
+  MutexLock lock(_gDefRingPattern.mutex);
+  return _gDefRingPattern.cadence;
+}
+
+TEST(DefaultRingpatternTest, ShortFxsCadenceFallsBack) {
+  const std::vector<unsigned long> fallback = {1000, 2500};
+  EXPECT_EQ(fallback, DefaultCadenceWithFxs("800"));
+  EXPECT_EQ((std::vector<unsigned long>{500, 500, 500, 2000}),
+            DefaultCadenceWithFxs("500,500,500,2000"));
+  EXPECT_EQ(fallback, DefaultCadenceWithFxs(nullptr));
+}
+
+TEST(PasswordDataTest, DigitsAndStarBecomeKeys) {
+  ExtPersonalInfoParams params;
+  params.password = "12*#9a";
+  params.passwordPolicy = 1;
+  PasswordData password;
+  password.keys = {1, 2, 3};
+  password = params;
+  EXPECT_EQ((std::vector<KeypadButton>{257, 258, 298, 265}), password.keys);
+  EXPECT_EQ(1, password.setting);
+
+  AuthorizedPhonesData phone;
+  EXPECT_EQ(2, phone.phoneType);
+  EXPECT_EQ(2, phone.lineCount);
+}
+
+}  // namespace

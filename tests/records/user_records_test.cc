@@ -1,0 +1,127 @@
+#include <gtest/gtest.h>
+
+#include "cmcfg/extension_data.h"
+#include "cmcfg/usr_data.h"
+#include "platform/extension/ext_params.h"
+#include "platform/extension/extension_manager.h"
+
+namespace {
+
+TEST(UsrDataTest, RollbackReturnsToValuesBeforeFirstSubstitution) {
+  UsrData user;
+  user.sip.userName = "alice";
+  user.sip.password = "secret";
+  user.sip.host = "pbx";
+
+  EXPECT_EQ(0, user.SubstituteSipData("alice", "secret"));
+  EXPECT_EQ(nullptr, user.sipBackup);
+
+  EXPECT_EQ(1, user.SubstituteSipData("bob", "pw1"));
+  EXPECT_EQ(1, user.SubstituteSipData("carol", "pw2"));
+  EXPECT_EQ("carol", user.sip.userName);
+  EXPECT_EQ("pbx", user.sip.host);
+
+  EXPECT_EQ(1, user.RollbackSipData());
+  EXPECT_EQ("alice", user.sip.userName);
+  EXPECT_EQ("secret", user.sip.password);
+  EXPECT_EQ(nullptr, user.sipBackup);
+  EXPECT_EQ(0, user.RollbackSipData());
+}
+
+TEST(UsrDataTest, CopiesOwnTheirBackup) {
+  UsrData source;
+  source.name = "101";
+  source.SubstituteSipData("temp", "pw");
+  ASSERT_NE(nullptr, source.sipBackup);
+
+  UsrData copy(source);
+  ASSERT_NE(nullptr, copy.sipBackup);
+  EXPECT_NE(source.sipBackup, copy.sipBackup);
+  source.RollbackSipData();  // frees the source's backup; the copy's must live on
+  EXPECT_EQ(1, copy.RollbackSipData());
+
+  // Assigning a record without a backup drops the target's.
+  UsrData target;
+  target.SubstituteSipData("x", "y");
+  target = source;
+  EXPECT_EQ(nullptr, target.sipBackup);
+  EXPECT_EQ("101", target.name);
+
+  // Assigning one with a backup into a target that has one reuses it.
+  source.SubstituteSipData("again", "pw");
+  target.SubstituteSipData("other", "pw");
+  target = source;
+  ASSERT_NE(nullptr, target.sipBackup);
+  EXPECT_EQ(source.sipBackup->userName, target.sipBackup->userName);
+}
+
+TEST(UsrSipDataTest, InitTradesTheFirstTwoTexts) {
+  ExtSipSettingsParams block;
+  block.authName = "auth";
+  block.userName = "user";
+  block.password = "pw";
+  block.host = "10.0.0.1";
+  block.port = "5060";
+  block.contact = "last";
+  block.registerExpiry = 600;
+  block.registrationEnabled = 0;
+  block.sipKeepAlive = 30;
+
+  UsrSipData sip;
+  sip.enabled = 0;
+  sip.Init(block);
+  EXPECT_EQ("user", sip.userName);
+  EXPECT_EQ("auth", sip.authName);
+  EXPECT_EQ("pw", sip.password);
+  EXPECT_EQ("10.0.0.1", sip.host);
+  EXPECT_EQ("5060", sip.port);
+  EXPECT_EQ("last", sip.contact);
+  EXPECT_EQ(1, sip.enabled);
+  EXPECT_EQ(600, sip.registerExpiry);
+  EXPECT_EQ(0, sip.registrationEnabled);
+  EXPECT_EQ(30, sip.keepAlive);
+}
+
+TEST(ExtensionSettingsTest, MailboxAndRemoteControlPolicy) {
+  VmsSettings vms;
+  EXPECT_FALSE(vms.IsOn(false));
+  vms.mode = 1;
+  EXPECT_TRUE(vms.IsOn(false));
+  EXPECT_FALSE(vms.IsOn(true));
+  vms.mode = 2;
+  EXPECT_FALSE(vms.IsOn(true));
+  vms.mode = 3;
+  vms.mailbox = "box";
+  EXPECT_TRUE(vms.IsOn(true));
+
+  RcSettings rc;
+  rc.ToggleExtPolicy(true, true, 42);
+  rc.ToggleExtPolicy(true, false, 99);  // bit 0x02 only; the value stays
+  EXPECT_EQ(42, rc.value);
+  EXPECT_TRUE(rc.IsExtPolicyOn(0x01));
+  EXPECT_TRUE(rc.IsExtPolicyOn(0x02));
+  rc.ToggleExtPolicy(false, false, 7);
+  EXPECT_EQ(42, rc.value);
+  EXPECT_FALSE(rc.IsExtPolicyOn(0x02));
+  rc.ToggleExtPolicy(false, true, 7);
+  EXPECT_EQ(0, rc.value);
+  EXPECT_FALSE(rc.IsExtPolicyOn(0x03));
+}
+
+TEST(ExtensionDataTest, ForwardOnFollowsTheFirstAnyCallerContact) {
+  ExtensionData extension;
+  EXPECT_FALSE(extension.IsForwardOn());
+
+  SupServiceSet forwarding;
+  forwarding.forwardUnconditional.active = 1;
+  extension.addressBook.emplace_back(Contact("102", 1, kCallNumber), forwarding);
+  EXPECT_FALSE(extension.IsForwardOn());  // not the any-caller contact
+
+  extension.addressBook.emplace_back(Contact(gAny, 2, kCallNumber), SupServiceSet());
+  extension.addressBook.emplace_back(Contact(gAny, 3, kCallNumber), forwarding);
+  EXPECT_FALSE(extension.IsForwardOn());  // the first one decides
+  extension.addressBook.erase(std::next(extension.addressBook.begin()));
+  EXPECT_TRUE(extension.IsForwardOn());
+}
+
+}  // namespace
