@@ -70,10 +70,11 @@ class Extension {
   // AddressPatternBlock. False when the store failed.
   bool AddBlock(unsigned property, AddressPatternBlock* block);
 
+  struct Rep;  // the library's own
+
  protected:
   friend class ExtensionManager;
   Extension();
-  struct Rep;
   std::unique_ptr<Rep> rep_;
 };
 
@@ -135,11 +136,15 @@ class AddressPatternParams {
   // The stored services of a contact, or nullptr. Owned by the params.
   SupServAccessor* GetSupServAccessor(AddressPatternBlock* block, bool create);
 
+  struct Rep;  // the library's own
+
  private:
   friend class Extension;
   AddressPatternParams();
   ~AddressPatternParams();
-  struct Rep;
+  // Brings the blocks in line with the extension's file, keeping the
+  // objects of contacts that are still there.
+  void Refresh();
   std::unique_ptr<Rep> rep_;
 };
 
@@ -165,11 +170,12 @@ class SupServAccessor {
   SSForwardParams forwardBusy;
   SSIntercomParams intercom;
 
+  struct Rep;  // the library's own
+
  private:
   friend class AddressPatternParams;
   SupServAccessor();
   ~SupServAccessor();
-  struct Rep;
   std::unique_ptr<Rep> rep_;
 };
 

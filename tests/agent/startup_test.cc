@@ -65,14 +65,21 @@ TEST_F(StartupTest, SystemMessageNamesAreAskedUpTo337) {
 TEST_F(StartupTest, PstnAgentTypeFollowsTheSettings) {
   root_.Write("telephony/general.cfg", "section pstn\n{\nfxo_agent = 0\nisdn_agent = 0\ncas_agent = 1\n}\n");
   CMAgent& cas = Start();
-  EXPECT_EQ(3, cas.generalData.pstnAgentType);
+  // Only an FXO agent counts as loaded: start-up falls back to FXO, but the
+  // CAS flag stays for the call manager.
+  EXPECT_EQ(1, cas.generalData.pstnAgentType);
   EXPECT_EQ(1, cas.generalData.casAgentFlag);
+  EXPECT_FALSE(cas.GetPstnAgentData(true));
+  EXPECT_EQ(3, cas.generalData.pstnAgentType);
 
   root_.Write("telephony/general.cfg", "section pstn\n{\nfxo_agent = 0\nisdn_agent = 1\ncas_agent = 1\n}\n");
   CMAgent& none = Start();
-  EXPECT_EQ(1, none.generalData.pstnAgentType);  // not FXO, yet FXO is assumed
+  EXPECT_EQ(1, none.generalData.pstnAgentType);
   EXPECT_EQ(0, none.generalData.casAgentFlag);
   EXPECT_FALSE(none.GetPstnAgentData(true));
+
+  root_.Write("telephony/general.cfg", "section pstn\n{\nfxo_agent = 1\ncas_agent = 1\n}\n");
+  EXPECT_TRUE(Start().GetPstnAgentData(true));
 }
 
 TEST_F(StartupTest, DefaultRingPatternNeedsTwoValues) {

@@ -5,6 +5,7 @@
 #include "cmcfg/sup_service_records.h"
 #include "cmcfg/system_records.h"
 #include "platform/extension/ext_params.h"
+#include "platform/base/thread_mutex.h"
 #include "platform/extension/ss_params.h"
 #include "tests/support/temp_root.h"
 

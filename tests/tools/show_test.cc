@@ -63,8 +63,9 @@ TEST_F(ShowTest, MissingRootIsOneMessageAndStatusTwo) {
   options.root = logs_.Path("nowhere");
   EXPECT_EQ(2, Run(options));
   EXPECT_TRUE(out_.str().empty());
-  EXPECT_EQ(0u, err_.str().find("cmcfg: cannot read the configuration root " + logs_.Path("nowhere/")));
-  EXPECT_EQ(1, std::count(err_.str().begin(), err_.str().end(), '\n'));
+  const std::string err = err_.str();
+  EXPECT_EQ(0u, err.find("cmcfg: cannot read the configuration root " + logs_.Path("nowhere/")));
+  EXPECT_EQ(1, std::count(err.begin(), err.end(), '\n'));
 
   logs_.Write("file", "");
   options.root = logs_.Path("file");

@@ -1,0 +1,151 @@
+#include <set>
+#include <string>
+
+#include "platform/base/file_system.h"
+#include "platform/blocks/value_codec.h"
+#include "platform/extension/extension_rep.h"
+
+namespace {
+
+const unsigned kAllServices = 0x3FF;
+
+// The id of a contact's own section ("contact 12"), or false for any other
+// section (a service section has a third word).
+bool ContactId(std::string_view name, unsigned long* id) {
+  static const std::string_view kPrefix = "contact ";
+  if (name.size() <= kPrefix.size() || name.substr(0, kPrefix.size()) != kPrefix) return false;
+  std::string_view rest = name.substr(kPrefix.size());
+  if (rest.find(' ') != std::string_view::npos) return false;
+  return blocks::ParseValue(rest, id);
+}
+
+void ResetServices(unsigned mask, SupServAccessor* a) {
+  if (mask & 0x001) a->clir = SSClirParams();
+  if (mask & 0x002) a->incomingBlocking = SSBlockCallParams();
+  if (mask & 0x004) a->outgoingBlocking = SSBlockCallParams();
+  if (mask & 0x008) a->distRinging = SSDistRingingParams();
+  if (mask & 0x010) a->hunt = SSHuntRingingParams();
+  if (mask & 0x020) a->manyRinging = SSManyRingingParams();
+  if (mask & 0x040) a->forwardUnconditional = SSForwardParams();
+  if (mask & 0x080) a->forwardNoAnswer = SSForwardParams();
+  if (mask & 0x100) a->forwardBusy = SSForwardParams();
+  if (mask & 0x200) a->intercom = SSIntercomParams();
+  for (unsigned bit = 1; bit <= 0x200; bit <<= 1) {
+    if (!(mask & bit)) continue;
+    ParamsHeader* header = bit == 0x001   ? static_cast<ParamsHeader*>(&a->clir)
+                           : bit == 0x002 ? &a->incomingBlocking
+                           : bit == 0x004 ? &a->outgoingBlocking
+                           : bit == 0x008 ? &a->distRinging
+                           : bit == 0x010 ? &a->hunt
+                           : bit == 0x020 ? &a->manyRinging
+                           : bit == 0x040 ? &a->forwardUnconditional
+                           : bit == 0x080 ? &a->forwardNoAnswer
+                           : bit == 0x100 ? static_cast<ParamsHeader*>(&a->forwardBusy)
+                                          : &a->intercom;
+    header->property = bit;
+  }
+}
+
+}  // namespace
+
+AddressPatternParams::AddressPatternParams() : rep_(new Rep) {}
+
+AddressPatternParams::~AddressPatternParams() {
+  for (auto& entry : rep_->accessors) delete entry.second;
+}
+
+AddressPatternBlock* AddressPatternParams::GetBlock(unsigned long id) const {
+  for (const auto& block : rep_->blocks)
+    if (block->id == id) return block.get();
+  return nullptr;
+}
+
+std::list<AddressPatternBlock*> AddressPatternParams::GetAllBlocks() const {
+  std::list<AddressPatternBlock*> all;
+  for (const auto& block : rep_->blocks) all.push_back(block.get());
+  return all;
+}
+
+AddressPatternBlock* AddressPatternParams::CreateBlock() {
+  AddressPatternBlock* block = new AddressPatternBlock;
+  block->id = rep_->nextId++;
+  return block;
+}
+
+void AddressPatternParams::Refresh() {
+  const cfg::Document& doc = rep_->owner->doc;
+  std::set<unsigned long> seen;
+  for (const cfg::Section& section : doc.sections()) {
+    unsigned long id = 0;
+    if (!ContactId(section.name, &id) || !seen.insert(id).second) continue;
+    AddressPatternBlock* block = GetBlock(id);
+    if (block == nullptr) {
+      rep_->blocks.emplace_back(new AddressPatternBlock);
+      block = rep_->blocks.back().get();
+      block->id = id;
+    }
+    const cfg::Entry* name = section.Find("name");
+    block->name = name ? std::string(name->value) : std::string();
+    block->callType = 0;
+    if (const cfg::Entry* type = section.Find("call_type"))
+      blocks::ParseValue(type->value, &block->callType);
+    if (id >= rep_->nextId) rep_->nextId = id + 1;
+  }
+  // Contacts removed from the file go, with their services.
+  for (auto it = rep_->blocks.begin(); it != rep_->blocks.end();) {
+    if (seen.count((*it)->id)) {
+      ++it;
+      continue;
+    }
+    auto accessor = rep_->accessors.find(it->get());
+    if (accessor != rep_->accessors.end()) {
+      delete accessor->second;
+      rep_->accessors.erase(accessor);
+    }
+    it = rep_->blocks.erase(it);
+  }
+}
+
+SupServAccessor* AddressPatternParams::GetSupServAccessor(AddressPatternBlock* block, bool create) {
+  if (block == nullptr || GetBlock(block->id) != block) return nullptr;
+  auto it = rep_->accessors.find(block);
+  if (it != rep_->accessors.end()) return it->second;
+  SupServAccessor probe;
+  unsigned found = 0;
+  extdb::ReadServices(rep_->owner->doc, block->id, kAllServices, &probe, &found);
+  if (found == 0 && !create) return nullptr;
+  SupServAccessor* accessor = new SupServAccessor;
+  accessor->rep_->owner = rep_->owner;
+  accessor->rep_->block = block;
+  accessor->LoadAll();
+  rep_->accessors[block] = accessor;
+  return accessor;
+}
+
+SupServAccessor::SupServAccessor() : rep_(new Rep) { ResetServices(kAllServices, this); }
+
+SupServAccessor::~SupServAccessor() = default;
+
+bool SupServAccessor::LoadAll() { return Load(kAllServices); }
+
+bool SupServAccessor::Load(unsigned mask) {
+  if (rep_->owner == nullptr) return false;
+  ResetServices(mask & kAllServices, this);
+  unsigned found = 0;
+  extdb::ReadServices(rep_->owner->doc, rep_->block->id, mask, this, &found);
+  return rep_->owner->doc.Find(extdb::ContactSection(rep_->block->id)) != nullptr;
+}
+
+bool SupServAccessor::Store(unsigned mask) {
+  if (rep_->owner == nullptr) return false;
+  const AddressPatternBlock& block = *rep_->block;
+  cfg::Status s = cfg::UpdateDocument(rep_->owner->path, [&](cfg::Document& doc) {
+    // Re-read under the lock: only this contact's services of `mask` change.
+    if (doc.Find(extdb::ContactSection(block.id)) == nullptr) extdb::WriteContact(block, &doc);
+    extdb::WriteServices(*this, block.id, mask & kAllServices, &doc);
+    return true;
+  });
+  if (!s.ok()) return false;
+  rep_->owner->Read();
+  return true;
+}

@@ -1,0 +1,238 @@
+// Decoding of an extension file's sections into its parameter blocks.
+#include <cstdlib>
+#include <string>
+
+#include "platform/base/string_utils.h"
+#include "platform/extension/extension_rep.h"
+#include "platform/extension/section_fields.h"
+
+namespace extdb {
+namespace {
+
+using blocks::ParseValue;
+
+const Field<ExtSipSettingsParams> kSipFields[] = {
+    {"auth_name", &ExtSipSettingsParams::authName},
+    {"user_name", &ExtSipSettingsParams::userName},
+    {"password", &ExtSipSettingsParams::password},
+    {"host", &ExtSipSettingsParams::host},
+    {"port", &ExtSipSettingsParams::port},
+    {"proxy", &ExtSipSettingsParams::proxy},
+    {"outbound_proxy", &ExtSipSettingsParams::outboundProxy},
+    {"transport", &ExtSipSettingsParams::transport},
+    {"domain", &ExtSipSettingsParams::domain},
+    {"display_name", &ExtSipSettingsParams::displayName},
+    {"contact", &ExtSipSettingsParams::contact},
+    {"register_expiry", &ExtSipSettingsParams::registerExpiry},
+    {"registration_enabled", &ExtSipSettingsParams::registrationEnabled},
+    {"sip_keep_alive", &ExtSipSettingsParams::sipKeepAlive},
+};
+
+const Field<ExtPersonalInfoParams> kPersonalFields[] = {
+    {"full_name", &ExtPersonalInfoParams::fullName},
+    {"email", &ExtPersonalInfoParams::email},
+    {"password", &ExtPersonalInfoParams::password},
+    {"password_policy", &ExtPersonalInfoParams::passwordPolicy},
+    {"language", &ExtPersonalInfoParams::language},
+    {"user_class", &ExtPersonalInfoParams::userClass},
+    {"remote_access", &ExtPersonalInfoParams::remoteAccess},
+    {"tos_profile", &ExtPersonalInfoParams::tosProfile},
+    {"queue_enabled", &ExtPersonalInfoParams::queueEnabled},
+    {"queue_size", &ExtPersonalInfoParams::queueSize},
+    {"queue_mode", &ExtPersonalInfoParams::queueMode},
+    {"queue_disabled", &ExtPersonalInfoParams::queueDisabled},
+    {"queue_overflow", &ExtPersonalInfoParams::queueOverflow},
+    {"announcement_enabled", &ExtPersonalInfoParams::announcementEnabled},
+    {"announcement_value", &ExtPersonalInfoParams::announcementValue},
+    {"announcement_text", &ExtPersonalInfoParams::announcementText},
+    {"announcement_repeat", &ExtPersonalInfoParams::announcementRepeat},
+};
+
+const Field<ExtServicesParams> kServicesFields[] = {
+    {"call_waiting", &ExtServicesParams::callWaiting},
+    {"do_not_disturb", &ExtServicesParams::doNotDisturb},
+    {"hotline", &ExtServicesParams::hotline},
+    {"call_transfer", &ExtServicesParams::callTransfer},
+    {"voice_mail_mode", &ExtServicesParams::voiceMailMode},
+    {"voice_mail_rings", &ExtServicesParams::voiceMailRings},
+    {"voice_mail_box", &ExtServicesParams::voiceMailBox},
+    {"remote_control", &ExtServicesParams::remoteControl},
+    {"fax_mode_a", &ExtServicesParams::faxModeA},
+    {"fax_mode_b", &ExtServicesParams::faxModeB},
+    {"fax_param3", &ExtServicesParams::faxParam3},
+    {"fax_tone_detection", &ExtServicesParams::faxToneDetection},
+    {"fax_tone_forced", &ExtServicesParams::faxToneForced},
+    {"fax_profile", &ExtServicesParams::faxProfile},
+    {"modem_mode", &ExtServicesParams::modemMode},
+};
+
+const Field<ExtTimeoutsParams> kTimeoutsFields[] = {
+    {"no_answer_timeout", &ExtTimeoutsParams::noAnswerTimeout},
+    {"call_park_timeout", &ExtTimeoutsParams::callParkTimeout},
+    {"dial_timeout", &ExtTimeoutsParams::dialTimeout},
+};
+
+const Field<ExtCodecParams> kCodecFields[] = {
+    {"voice_codecs", &ExtCodecParams::voiceCodecs},
+    {"fax_codecs", &ExtCodecParams::faxCodecs},
+    {"extra_voice_codecs", &ExtCodecParams::extraVoiceCodecs},
+    {"modem_codecs", &ExtCodecParams::modemCodecs},
+    {"codec_option", &ExtCodecParams::codecOption},
+};
+
+const Field<ExtPstnAgentParams> kPstnAgentFields[] = {
+    {"fxo_channels", &ExtPstnAgentParams::fxoChannels},
+    {"cas_channels", &ExtPstnAgentParams::casChannels},
+    {"isdn_channels", &ExtPstnAgentParams::isdnChannels},
+};
+
+const Field<CallParkGeneralParams> kCallParkFields[] = {
+    {"timeout_minutes", &CallParkGeneralParams::timeoutMinutes},
+};
+
+const Field<PickupGroupParams> kPickupFields[] = {
+    {"members", &PickupGroupParams::members},
+};
+
+const Field<ExtBusyRedialParams> kBusyRedialFields[] = {
+    {"interval", &ExtBusyRedialParams::interval},
+    {"period_minutes", &ExtBusyRedialParams::periodMinutes},
+};
+
+const Field<ExtAutoCallParams> kAutoCallFields[] = {
+    {"enabled", &ExtAutoCallParams::enabled},
+    {"destination", &ExtAutoCallParams::destination},
+};
+
+const Field<AttGeneralParams> kAttendantFields[] = {
+    {"console_mode", &AttGeneralParams::consoleMode},
+    {"night_mode", &AttGeneralParams::nightMode},
+    {"queue_size", &AttGeneralParams::queueSize},
+    {"ring_timeout", &AttGeneralParams::ringTimeout},
+    {"welcome_message", &AttGeneralParams::welcomeMessage},
+    {"night_destination", &AttGeneralParams::nightDestination},
+    {"tos_profile", &AttGeneralParams::tosProfile},
+};
+
+// The block of a section, or nullptr when the file has no such section.
+template <typename Block, size_t N>
+std::unique_ptr<Block> Decode(const cfg::Document& doc, const char* name, unsigned property,
+                              const Field<Block> (&fields)[N]) {
+  const cfg::Section* section = doc.Find(name);
+  if (section == nullptr) return nullptr;
+  std::unique_ptr<Block> block(new Block);
+  block->property = property;
+  ReadFields(*section, fields, block.get());
+  return block;
+}
+
+std::unique_ptr<ExtServiceCodesParams> DecodeServiceCodes(const cfg::Document& doc) {
+  const cfg::Section* section = doc.Find("service_codes");
+  if (section == nullptr) return nullptr;
+  std::unique_ptr<ExtServiceCodesParams> block(new ExtServiceCodesParams);
+  block->property = kPropServiceCodes;
+  for (int i = 0; i < ExtServiceCodesParams::kCount; ++i) {
+    const cfg::Entry* entry = section->Find("code_" + std::to_string(i + 1));
+    if (entry != nullptr) block->codes[i] = std::string(entry->value);
+  }
+  return block;
+}
+
+// "enabled,type,address" (the address last: it may hold commas). False
+// when the two numbers are missing.
+bool ParseAddress(std::string_view text, AddrInfo* out) {
+  size_t first = text.find(',');
+  if (first == std::string_view::npos) return false;
+  size_t second = text.find(',', first + 1);
+  if (second == std::string_view::npos) return false;
+  AddrInfo info;
+  if (!ParseValue(text.substr(0, first), &info.enabled) ||
+      !ParseValue(text.substr(first + 1, second - first - 1), &info.type))
+    return false;
+  info.address = std::string(text.substr(second + 1));
+  *out = info;
+  return true;
+}
+
+std::unique_ptr<AccessListParams> DecodeAccessList(const cfg::Document& doc) {
+  const cfg::Section* section = doc.Find("access_list");
+  if (section == nullptr) return nullptr;
+  std::unique_ptr<AccessListParams> block(new AccessListParams);
+  block->property = kPropAccessList;
+  // "entry_N = priority,enabled,type,address"
+  ForNumberedKeys(*section, "entry_", [&](std::string_view value) {
+    size_t comma = value.find(',');
+    if (comma == std::string_view::npos) return;
+    AccessListParams::Entry entry;
+    if (!ParseValue(value.substr(0, comma), &entry.priority)) return;
+    if (!ParseAddress(value.substr(comma + 1), &entry.address)) return;
+    block->entries.push_back(entry);
+  });
+  return block;
+}
+
+void DecodeSpeedDial(const cfg::Document& doc, Extension::Rep* rep) {
+  // Entries handed out before stay alive until the extension goes.
+  for (auto& block : rep->speedDial) rep->retiredSpeedDial.push_back(std::move(block));
+  rep->speedDial.clear();
+  static const std::string kPrefix = "speed_dial ";
+  for (const cfg::Section& section : doc.sections()) {
+    if (section.name.size() <= kPrefix.size() || section.name.substr(0, kPrefix.size()) != kPrefix)
+      continue;
+    std::unique_ptr<SpeedDialBlock> block(new SpeedDialBlock);
+    if (!ParseValue(section.name.substr(kPrefix.size()), &block->id)) continue;
+    if (const cfg::Entry* e = section.Find("name")) block->name = std::string(e->value);
+    if (const cfg::Entry* e = section.Find("calling_code")) block->callingCode = std::string(e->value);
+    if (const cfg::Entry* e = section.Find("dest_type")) ParseValue(e->value, &block->destType);
+    if (const cfg::Entry* e = section.Find("address")) block->address = std::string(e->value);
+    if (const cfg::Entry* e = section.Find("destination")) block->destination = std::string(e->value);
+    rep->speedDial.push_back(std::move(block));
+  }
+}
+
+}  // namespace
+
+void DecodeProperties(const cfg::Document& doc, unsigned mask, Extension::Rep* rep) {
+  // Blocks are refreshed in place so that pointers handed out before a
+  // reload stay valid.
+  auto assign = [&](unsigned property, auto& slot, auto decode) {
+    if (!(mask & property)) return;
+    rep->present &= ~property;
+    auto fresh = decode();
+    if (fresh == nullptr) return;
+    if (slot) {
+      *slot = *fresh;
+    } else {
+      slot = std::move(fresh);
+    }
+    rep->present |= property;
+  };
+  assign(kPropSipSettings, rep->sip, [&] { return Decode(doc, "sip", kPropSipSettings, kSipFields); });
+  assign(kPropPersonalInfo, rep->personal,
+         [&] { return Decode(doc, "personal", kPropPersonalInfo, kPersonalFields); });
+  assign(kPropServices, rep->services,
+         [&] { return Decode(doc, "services", kPropServices, kServicesFields); });
+  assign(kPropTimeouts, rep->timeouts,
+         [&] { return Decode(doc, "timeouts", kPropTimeouts, kTimeoutsFields); });
+  assign(kPropCodecs, rep->codecs, [&] { return Decode(doc, "codecs", kPropCodecs, kCodecFields); });
+  assign(kPropServiceCodes, rep->serviceCodes, [&] { return DecodeServiceCodes(doc); });
+  assign(kPropPstnAgent, rep->pstnAgent,
+         [&] { return Decode(doc, "pstn_agent", kPropPstnAgent, kPstnAgentFields); });
+  assign(kPropCallPark, rep->callPark,
+         [&] { return Decode(doc, "call_park", kPropCallPark, kCallParkFields); });
+  assign(kPropAccessList, rep->accessList, [&] { return DecodeAccessList(doc); });
+  assign(kPropPickupGroup, rep->pickupGroup,
+         [&] { return Decode(doc, "pickup_group", kPropPickupGroup, kPickupFields); });
+  assign(kPropBusyRedial, rep->busyRedial,
+         [&] { return Decode(doc, "busy_redial", kPropBusyRedial, kBusyRedialFields); });
+  assign(kPropAutoCall, rep->autoCall,
+         [&] { return Decode(doc, "auto_call", kPropAutoCall, kAutoCallFields); });
+  // One section serves both attendant properties.
+  assign(kPropAttendantGeneral | kPropAttendantConsole, rep->attendant,
+         [&] { return Decode(doc, "attendant", kPropAttendantGeneral, kAttendantFields); });
+  if (mask & kPropSpeedDial) DecodeSpeedDial(doc, rep);
+}
+
+bool ParseAddressEntry(std::string_view text, AddrInfo* out) { return ParseAddress(text, out); }
+
+}  // namespace extdb

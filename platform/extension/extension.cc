@@ -1,0 +1,122 @@
+#include <utility>
+
+#include "platform/base/file_system.h"
+#include "platform/extension/extension_rep.h"
+
+bool Extension::Rep::Read() {
+  cfg::Document fresh;
+  if (!cfg::LoadDocument(path, &fresh).ok()) return false;
+  doc = std::move(fresh);
+  const cfg::Section* section = doc.Find(extdb::kExtensionSection);
+  const cfg::Entry* description = section ? section->Find("description") : nullptr;
+  text = description ? std::string(description->value) : std::string();
+  return true;
+}
+
+Extension::Extension() : rep_(new Rep) {}
+
+Extension::~Extension() { delete rep_->addressBook; }
+
+const std::string& Extension::GetName() const { return rep_->name; }
+ExtType Extension::GetType() const { return rep_->type; }
+const std::string& Extension::GetText() const { return rep_->text; }
+
+bool Extension::LoadProperty(unsigned mask) {
+  extdb::DecodeProperties(rep_->doc, mask & ~rep_->loaded, rep_.get());
+  if ((mask & kPropAddressPatterns) && !(rep_->loaded & kPropAddressPatterns)) {
+    if (rep_->addressBook == nullptr) {
+      rep_->addressBook = new AddressPatternParams;
+      rep_->addressBook->rep_->owner = rep_.get();
+    }
+    rep_->addressBook->Refresh();
+  }
+  rep_->loaded |= mask;
+  return true;
+}
+
+bool Extension::ReloadProperty(unsigned mask) {
+  if (!rep_->Read()) return false;
+  // Blocks are refreshed in place: pointers handed out earlier stay valid.
+  rep_->loaded &= ~mask;
+  return LoadProperty(mask);
+}
+
+namespace {
+
+template <typename Block>
+Block* Loaded(const Extension::Rep& rep, unsigned property, const std::unique_ptr<Block>& block) {
+  return (rep.loaded & rep.present & property) ? block.get() : nullptr;
+}
+
+}  // namespace
+
+ExtSipSettingsParams* Extension::GetSipSettingsParams() {
+  return Loaded(*rep_, kPropSipSettings, rep_->sip);
+}
+ExtPersonalInfoParams* Extension::GetPersonalInfoParams() {
+  return Loaded(*rep_, kPropPersonalInfo, rep_->personal);
+}
+ExtServicesParams* Extension::GetServicesParams() {
+  return Loaded(*rep_, kPropServices, rep_->services);
+}
+ExtTimeoutsParams* Extension::GetTimeoutsParams() {
+  return Loaded(*rep_, kPropTimeouts, rep_->timeouts);
+}
+ExtCodecParams* Extension::GetCodecParams() { return Loaded(*rep_, kPropCodecs, rep_->codecs); }
+ExtServiceCodesParams* Extension::GetServiceCodesParams() {
+  return Loaded(*rep_, kPropServiceCodes, rep_->serviceCodes);
+}
+ExtPstnAgentParams* Extension::GetPstnAgentParams() {
+  return Loaded(*rep_, kPropPstnAgent, rep_->pstnAgent);
+}
+CallParkGeneralParams* Extension::GetCallParkParams() {
+  return Loaded(*rep_, kPropCallPark, rep_->callPark);
+}
+AccessListParams* Extension::GetAccessListParams() {
+  return Loaded(*rep_, kPropAccessList, rep_->accessList);
+}
+PickupGroupParams* Extension::GetPickupGroupParams() {
+  return Loaded(*rep_, kPropPickupGroup, rep_->pickupGroup);
+}
+ExtBusyRedialParams* Extension::GetBusyRedialParams() {
+  return Loaded(*rep_, kPropBusyRedial, rep_->busyRedial);
+}
+ExtAutoCallParams* Extension::GetAutoCallParams() {
+  return Loaded(*rep_, kPropAutoCall, rep_->autoCall);
+}
+AttGeneralParams* Extension::GetAttGeneralParams() {
+  return Loaded(*rep_, kPropAttendantGeneral | kPropAttendantConsole, rep_->attendant);
+}
+
+std::list<SpeedDialBlock*> Extension::GetSpeedDialBlocks() {
+  std::list<SpeedDialBlock*> blocks;
+  if (rep_->loaded & kPropSpeedDial)
+    for (const auto& block : rep_->speedDial) blocks.push_back(block.get());
+  return blocks;
+}
+
+AddressPatternParams* Extension::GetAddressPatternParams() {
+  return (rep_->loaded & kPropAddressPatterns) ? rep_->addressBook : nullptr;
+}
+
+bool Extension::AddBlock(unsigned property, AddressPatternBlock* block) {
+  std::unique_ptr<AddressPatternBlock> owned(block);
+  if (property != kPropAddressPatterns || block == nullptr) return false;
+  LoadProperty(kPropAddressPatterns);
+  AddressPatternParams::Rep& book = *rep_->addressBook->rep_;
+  cfg::Status s = cfg::UpdateDocument(rep_->path, [&](cfg::Document& doc) {
+    // Another process may have added contacts since we read the file:
+    // never reuse an id the file already has.
+    while (doc.Find(extdb::ContactSection(block->id)) != nullptr) block->id = book.nextId++;
+    extdb::WriteContact(*block, &doc);
+    return true;
+  });
+  if (!s.ok()) return false;
+  if (block->id >= book.nextId) book.nextId = block->id + 1;
+  book.blocks.push_back(std::move(owned));
+  rep_->Read();
+  return true;
+}
+
+CHAttendant::CHAttendant() = default;
+CHAttendant::~CHAttendant() = default;

@@ -1,0 +1,156 @@
+#include "platform/extension/extension_manager.h"
+
+#include <dirent.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "platform/base/file_system.h"
+#include "platform/extension/extension_rep.h"
+
+const std::string gAny = "*";
+const unsigned int gAllProperties = 0xFFFFFFFFu;
+
+namespace extdb {
+
+const char kExtensionSection[] = "extension";
+
+namespace {
+
+const char kFileSuffix[] = ".cfg";
+const size_t kSuffixLength = sizeof(kFileSuffix) - 1;
+
+}  // namespace
+
+const char* KindFolder(ExtType type) {
+  switch (type) {
+    case kExtAttendant: return "attendant";
+    case kExtUser: return "user";
+    case kExtPickup: return "pickup";
+    case kExtCallPark: return "callpark";
+    case kExtPaging: return "paging";
+  }
+  return nullptr;
+}
+
+bool IsValidName(const std::string& name) {
+  if (name.empty() || name.find('/') != std::string::npos ||
+      name.find("..") != std::string::npos)
+    return false;
+  for (unsigned char c : name)
+    if (c < 0x20 || c == 0x7F) return false;
+  return true;
+}
+
+bool NaturalLess(const std::string& a, const std::string& b) {
+  auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+  size_t i = 0, j = 0;
+  while (i < a.size() && j < b.size()) {
+    if (isDigit(a[i]) && isDigit(b[j])) {
+      size_t si = i, sj = j;
+      while (si < a.size() && a[si] == '0') ++si;
+      while (sj < b.size() && b[sj] == '0') ++sj;
+      size_t ei = si, ej = sj;
+      while (ei < a.size() && isDigit(a[ei])) ++ei;
+      while (ej < b.size() && isDigit(b[ej])) ++ej;
+      if (ei - si != ej - sj) return ei - si < ej - sj;
+      int c = a.compare(si, ei - si, b, sj, ej - sj);
+      if (c != 0) return c < 0;
+      i = ei;
+      j = ej;
+      continue;
+    }
+    if (a[i] != b[j]) return static_cast<unsigned char>(a[i]) < static_cast<unsigned char>(b[j]);
+    ++i;
+    ++j;
+  }
+  if (i < a.size() || j < b.size()) return j < b.size();  // the shorter rest first
+  return a < b;  // "01" and "1": still a total order
+}
+
+}  // namespace extdb
+
+ExtensionManagerBase::ExtensionManagerBase(std::string path) : path_(std::move(path)) {
+  if (!path_.empty() && path_.back() != '/') path_ += '/';
+}
+
+ExtensionManagerBase::~ExtensionManagerBase() = default;
+
+bool ExtensionManagerBase::GetAllExtensionsNames(ExtType type, std::list<std::string>& names) {
+  names.clear();
+  const char* folder = extdb::KindFolder(type);
+  if (folder == nullptr) return false;
+  const std::string dir = path_ + folder;
+  DIR* d = opendir(dir.c_str());
+  if (d == nullptr) return false;
+  std::vector<std::string> found;
+  while (struct dirent* entry = readdir(d)) {
+    std::string file = entry->d_name;
+    if (file.size() <= extdb::kSuffixLength ||
+        file.compare(file.size() - extdb::kSuffixLength, extdb::kSuffixLength, extdb::kFileSuffix) != 0)
+      continue;
+    std::string name = file.substr(0, file.size() - extdb::kSuffixLength);
+    if (!extdb::IsValidName(name)) continue;
+    struct stat st;
+    if (stat((dir + "/" + file).c_str(), &st) != 0 || !S_ISREG(st.st_mode)) continue;
+    found.push_back(std::move(name));
+  }
+  closedir(d);
+  std::sort(found.begin(), found.end(), extdb::NaturalLess);
+  names.assign(found.begin(), found.end());
+  return true;
+}
+
+struct ExtensionManager::Rep {
+  bool preload = false;
+  std::map<std::pair<int, std::string>, std::unique_ptr<Extension>> extensions;
+};
+
+ExtensionManager::ExtensionManager(const std::string& path, bool preload)
+    : ExtensionManagerBase(path), rep_(new Rep) {
+  rep_->preload = preload;
+}
+
+ExtensionManager::~ExtensionManager() = default;
+
+Extension* ExtensionManager::GetExtension(ExtType type, const std::string& name, bool preloadAll) {
+  const char* folder = extdb::KindFolder(type);
+  if (folder == nullptr || !extdb::IsValidName(name)) return nullptr;
+  auto key = std::make_pair(static_cast<int>(type), name);
+  auto it = rep_->extensions.find(key);
+  Extension* extension = it == rep_->extensions.end() ? nullptr : it->second.get();
+  if (extension == nullptr) {
+    std::unique_ptr<Extension> fresh(type == kExtAttendant ? new CHAttendant : new Extension);
+    fresh->rep_->name = name;
+    fresh->rep_->type = type;
+    fresh->rep_->path = path_ + folder + "/" + name + ".cfg";
+    // The file is read here, once; properties are decoded from memory.
+    if (!fresh->rep_->Read()) return nullptr;
+    extension = fresh.get();
+    rep_->extensions[key] = std::move(fresh);
+  }
+  if (preloadAll || rep_->preload) extension->LoadProperty(gAllProperties);
+  return extension;
+}
+
+Extension* ExtensionManager::GetExtension(const std::string& name, bool preloadAll) {
+  static const ExtType kKinds[] = {kExtUser, kExtPickup, kExtCallPark, kExtPaging};
+  for (ExtType type : kKinds)
+    if (Extension* extension = GetExtension(type, name, preloadAll)) return extension;
+  return nullptr;
+}
+
+CHAttendant* ExtensionManager::GetAttendant(const std::string& name, bool preloadAll) {
+  return static_cast<CHAttendant*>(GetExtension(kExtAttendant, name, preloadAll));
+}
+
+CHAttendant* ExtensionManager::GetSystemExtension(bool preloadAll) {
+  cfg::Document doc;
+  if (!cfg::LoadDocument(path_ + "system.cfg", &doc).ok()) return nullptr;
+  const cfg::Section* section = doc.Find("database");
+  const cfg::Entry* entry = section ? section->Find("system_attendant") : nullptr;
+  if (entry == nullptr) return nullptr;
+  return GetAttendant(std::string(entry->value), preloadAll);
+}

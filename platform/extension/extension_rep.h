@@ -1,0 +1,92 @@
+#ifndef CMCFG_PLATFORM_EXTENSION_EXTENSION_REP_H_
+#define CMCFG_PLATFORM_EXTENSION_EXTENSION_REP_H_
+
+#include <list>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "platform/base/document.h"
+#include "platform/extension/extension_manager.h"
+
+// Internals shared by the extension library's units.
+
+namespace extdb {
+
+// Folder of each kind inside the database, by ExtType.
+const char* KindFolder(ExtType type);
+// True for a name that can be an extension's file name: not empty, no
+// "/", no "..", no control character.
+bool IsValidName(const std::string& name);
+// Natural order: digit runs compare by value ("2" < "10"), the rest byte
+// by byte; ties fall back to plain order so the order is total.
+bool NaturalLess(const std::string& a, const std::string& b);
+
+// Section names of the extension file.
+extern const char kExtensionSection[];  // "extension"
+std::string ContactSection(unsigned long id);                       // "contact 3"
+std::string ServiceSection(unsigned long id, const char* service);  // "contact 3 forward_busy"
+// The file names of the services, by mask bit (0x001 .. 0x200), or nullptr.
+const char* ServiceName(unsigned bit);
+
+// A forward destination or access entry as "enabled,type,address" (the
+// address last, so it may hold commas).
+bool ParseAddressEntry(std::string_view text, AddrInfo* out);
+std::string FormatAddressEntry(const AddrInfo& info);
+
+// Decodes the blocks of `mask` from the file into the extension's rep.
+void DecodeProperties(const cfg::Document& doc, unsigned mask, Extension::Rep* rep);
+
+// Services of one contact: read from / written to the file's sections.
+void ReadServices(const cfg::Document& doc, unsigned long id, unsigned mask, SupServAccessor* out,
+                  unsigned* found);
+void WriteServices(const SupServAccessor& in, unsigned long id, unsigned mask, cfg::Document* doc);
+// Writes a contact's own section (name and call type).
+void WriteContact(const AddressPatternBlock& block, cfg::Document* doc);
+
+}  // namespace extdb
+
+struct Extension::Rep {
+  std::string name;
+  ExtType type = kExtUser;
+  std::string path;  // the extension's file
+  cfg::Document doc;  // the file as read once by the manager
+  unsigned loaded = 0;   // properties decoded so far
+  unsigned present = 0;  // properties whose section the file has
+  std::string text;
+
+  std::unique_ptr<ExtSipSettingsParams> sip;
+  std::unique_ptr<ExtPersonalInfoParams> personal;
+  std::unique_ptr<ExtServicesParams> services;
+  std::unique_ptr<ExtTimeoutsParams> timeouts;
+  std::unique_ptr<ExtCodecParams> codecs;
+  std::unique_ptr<ExtServiceCodesParams> serviceCodes;
+  std::unique_ptr<ExtPstnAgentParams> pstnAgent;
+  std::unique_ptr<CallParkGeneralParams> callPark;
+  std::unique_ptr<AccessListParams> accessList;
+  std::unique_ptr<PickupGroupParams> pickupGroup;
+  std::unique_ptr<ExtBusyRedialParams> busyRedial;
+  std::unique_ptr<ExtAutoCallParams> autoCall;
+  std::unique_ptr<AttGeneralParams> attendant;
+  std::list<std::unique_ptr<SpeedDialBlock>> speedDial;
+  std::list<std::unique_ptr<SpeedDialBlock>> retiredSpeedDial;
+  AddressPatternParams* addressBook = nullptr;  // owned; destroyed by ~Extension
+
+  // Reads the file; false when it is missing or unreadable.
+  bool Read();
+};
+
+struct AddressPatternParams::Rep {
+  Extension::Rep* owner = nullptr;
+  std::list<std::unique_ptr<AddressPatternBlock>> blocks;
+  std::map<AddressPatternBlock*, SupServAccessor*> accessors;  // owned
+  unsigned long nextId = 1;
+};
+
+struct SupServAccessor::Rep {
+  Extension::Rep* owner = nullptr;
+  AddressPatternBlock* block = nullptr;
+};
+
+#endif  // CMCFG_PLATFORM_EXTENSION_EXTENSION_REP_H_

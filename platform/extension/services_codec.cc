@@ -1,0 +1,193 @@
+// The supplementary services of an address-book contact in the extension
+// file: one section per service, "contact ID SERVICE".
+#include <string>
+
+#include "platform/extension/extension_rep.h"
+#include "platform/extension/section_fields.h"
+
+namespace extdb {
+namespace {
+
+using blocks::FormatValue;
+using blocks::ParseValue;
+
+struct ServiceInfo {
+  unsigned bit;
+  const char* name;
+};
+
+const ServiceInfo kServices[] = {
+    {0x001, "clir"},
+    {0x002, "incoming_blocking"},
+    {0x004, "outgoing_blocking"},
+    {0x008, "distinctive_ringing"},
+    {0x010, "hunting"},
+    {0x020, "many_ringing"},
+    {0x040, "forward_unconditional"},
+    {0x080, "forward_no_answer"},
+    {0x100, "forward_busy"},
+    {0x200, "intercom"},
+};
+
+const Field<SSClirParams> kClirFields[] = {{"active", &SSClirParams::active}};
+
+const Field<SSBlockCallParams> kBlockFields[] = {
+    {"active", &SSBlockCallParams::active},
+    {"block_anonymous", &SSBlockCallParams::blockAnonymous},
+    {"block_international", &SSBlockCallParams::blockInternational},
+    {"block_mode", &SSBlockCallParams::blockMode},
+};
+
+const Field<SSDistRingingParams> kDistRingFields[] = {
+    {"active", &SSDistRingingParams::active},
+    {"ring_name", &SSDistRingingParams::ringName},
+    {"pattern", &SSDistRingingParams::pattern},
+};
+
+const Field<SSHuntRingingParams> kHuntFields[] = {
+    {"active", &SSHuntRingingParams::active},
+    {"hunt_mode", &SSHuntRingingParams::huntMode},
+};
+
+const Field<SSManyRingingParams> kManyFields[] = {
+    {"active", &SSManyRingingParams::active},
+    {"numbers", &SSManyRingingParams::numbers},
+};
+
+const Field<SSForwardParams> kForwardFields[] = {{"active", &SSForwardParams::active}};
+
+const Field<SSIntercomParams> kIntercomFields[] = {{"mode", &SSIntercomParams::mode}};
+
+void ReadHunt(const cfg::Section& section, SSHuntRingingParams* hunt) {
+  ReadFields(section, kHuntFields, hunt);
+  hunt->targets.clear();
+  // "target_N = number,ring time"
+  ForNumberedKeys(section, "target_", [&](std::string_view value) {
+    size_t comma = value.find(',');
+    int32_t ringTime = 0;
+    if (comma != std::string_view::npos && !ParseValue(value.substr(comma + 1), &ringTime)) return;
+    hunt->targets.emplace_back(std::string(value.substr(0, comma)), ringTime);
+  });
+}
+
+void ReadForward(const cfg::Section& section, SSForwardParams* forward) {
+  ReadFields(section, kForwardFields, forward);
+  const cfg::Entry* text = section.Find("text");
+  forward->hasText = text != nullptr;
+  forward->text = text ? std::string(text->value) : std::string();
+  forward->destinations.clear();
+  ForNumberedKeys(section, "destination_", [&](std::string_view value) {
+    AddrInfo info;
+    if (ParseAddressEntry(value, &info)) forward->destinations.push_back(info);
+  });
+}
+
+SSForwardParams* ForwardOf(SupServAccessor* a, unsigned bit) {
+  return bit == 0x040 ? &a->forwardUnconditional
+                      : bit == 0x080 ? &a->forwardNoAnswer : &a->forwardBusy;
+}
+
+const SSForwardParams& ForwardOf(const SupServAccessor& a, unsigned bit) {
+  return bit == 0x040 ? a.forwardUnconditional : bit == 0x080 ? a.forwardNoAnswer : a.forwardBusy;
+}
+
+void ReadService(const cfg::Section& section, unsigned bit, SupServAccessor* out) {
+  switch (bit) {
+    case 0x001: ReadFields(section, kClirFields, &out->clir); break;
+    case 0x002: ReadFields(section, kBlockFields, &out->incomingBlocking); break;
+    case 0x004: ReadFields(section, kBlockFields, &out->outgoingBlocking); break;
+    case 0x008: ReadFields(section, kDistRingFields, &out->distRinging); break;
+    case 0x010: ReadHunt(section, &out->hunt); break;
+    case 0x020: ReadFields(section, kManyFields, &out->manyRinging); break;
+    case 0x040:
+    case 0x080:
+    case 0x100: ReadForward(section, ForwardOf(out, bit)); break;
+    case 0x200: ReadFields(section, kIntercomFields, &out->intercom); break;
+  }
+}
+
+// Puts the service's keys into an emptied section.
+void WriteService(const SupServAccessor& in, unsigned bit, cfg::Document* doc,
+                  cfg::Section* section) {
+  switch (bit) {
+    case 0x001: WriteFields(in.clir, kClirFields, doc, section); break;
+    case 0x002: WriteFields(in.incomingBlocking, kBlockFields, doc, section); break;
+    case 0x004: WriteFields(in.outgoingBlocking, kBlockFields, doc, section); break;
+    case 0x008: WriteFields(in.distRinging, kDistRingFields, doc, section); break;
+    case 0x010: {
+      WriteFields(in.hunt, kHuntFields, doc, section);
+      int n = 0;
+      for (const auto& target : in.hunt.targets)
+        doc->Set(*section, "target_" + std::to_string(++n),
+                 target.first + "," + FormatValue(target.second));
+      break;
+    }
+    case 0x020: WriteFields(in.manyRinging, kManyFields, doc, section); break;
+    case 0x040:
+    case 0x080:
+    case 0x100: {
+      const SSForwardParams& forward = ForwardOf(in, bit);
+      WriteFields(forward, kForwardFields, doc, section);
+      if (forward.hasText) doc->Set(*section, "text", forward.text);
+      int n = 0;
+      for (const AddrInfo& info : forward.destinations)
+        doc->Set(*section, "destination_" + std::to_string(++n), FormatAddressEntry(info));
+      break;
+    }
+    case 0x200: WriteFields(in.intercom, kIntercomFields, doc, section); break;
+  }
+}
+
+}  // namespace
+
+std::string ContactSection(unsigned long id) { return "contact " + std::to_string(id); }
+
+std::string ServiceSection(unsigned long id, const char* service) {
+  return ContactSection(id) + " " + service;
+}
+
+const char* ServiceName(unsigned bit) {
+  for (const ServiceInfo& s : kServices)
+    if (s.bit == bit) return s.name;
+  return nullptr;
+}
+
+std::string FormatAddressEntry(const AddrInfo& info) {
+  return FormatValue(info.enabled) + "," + FormatValue(info.type) + "," + info.address;
+}
+
+void ReadServices(const cfg::Document& doc, unsigned long id, unsigned mask, SupServAccessor* out,
+                  unsigned* found) {
+  *found = 0;
+  for (const ServiceInfo& s : kServices) {
+    if (!(mask & s.bit)) continue;
+    const cfg::Section* section = doc.Find(ServiceSection(id, s.name));
+    if (section == nullptr) continue;
+    ReadService(*section, s.bit, out);
+    *found |= s.bit;
+  }
+}
+
+void WriteServices(const SupServAccessor& in, unsigned long id, unsigned mask, cfg::Document* doc) {
+  for (const ServiceInfo& s : kServices) {
+    if (!(mask & s.bit)) continue;
+    const std::string name = ServiceSection(id, s.name);
+    cfg::Section* section = doc->Find(name);
+    if (section == nullptr) {
+      section = &doc->Add(name);
+    } else {
+      section->entries.clear();
+    }
+    WriteService(in, s.bit, doc, section);
+  }
+}
+
+void WriteContact(const AddressPatternBlock& block, cfg::Document* doc) {
+  const std::string name = ContactSection(block.id);
+  cfg::Section* section = doc->Find(name);
+  if (section == nullptr) section = &doc->Add(name);
+  doc->Set(*section, "name", block.name);
+  doc->Set(*section, "call_type", FormatValue(block.callType));
+}
+
+}  // namespace extdb
