@@ -13,10 +13,8 @@ namespace {
 using cmcfg_tool::RunShow;
 using cmcfg_tool::ShowOptions;
 
-std::string Examples() {
-  const char* dir = getenv("CMCFG_EXAMPLES");
-  return dir ? dir : "examples/";
-}
+// The bundled example configuration of the source tree.
+std::string Examples() { return CMCFG_EXAMPLES_DIR; }
 
 class ShowTest : public ::testing::Test {
  protected:
