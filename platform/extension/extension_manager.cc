@@ -1,8 +1,5 @@
 #include "platform/extension/extension_manager.h"
 
-#include <dirent.h>
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <utility>
 #include <vector>
@@ -82,22 +79,21 @@ bool ExtensionManagerBase::GetAllExtensionsNames(ExtType type, std::list<std::st
   names.clear();
   const char* folder = extdb::KindFolder(type);
   if (folder == nullptr) return false;
-  const std::string dir = path_ + folder;
-  DIR* d = opendir(dir.c_str());
-  if (d == nullptr) return false;
+  const std::string dir = path_ + folder + "/";
+  cfg::FileSystem* fs = cfg::FileSystem::Default();
+  std::vector<std::string> files;
+  if (!fs->ListDir(dir, &files).ok()) return false;
   std::vector<std::string> found;
-  while (struct dirent* entry = readdir(d)) {
-    std::string file = entry->d_name;
+  for (const std::string& file : files) {
     if (file.size() <= extdb::kSuffixLength ||
         file.compare(file.size() - extdb::kSuffixLength, extdb::kSuffixLength, extdb::kFileSuffix) != 0)
       continue;
     std::string name = file.substr(0, file.size() - extdb::kSuffixLength);
-    if (!extdb::IsValidName(name)) continue;
-    struct stat st;
-    if (stat((dir + "/" + file).c_str(), &st) != 0 || !S_ISREG(st.st_mode)) continue;
+    // Temporary and lock files of a save in progress never end in ".cfg";
+    // folders and other odd entries are no extensions either.
+    if (!extdb::IsValidName(name) || !fs->FileExists(dir + file)) continue;
     found.push_back(std::move(name));
   }
-  closedir(d);
   std::sort(found.begin(), found.end(), extdb::NaturalLess);
   names.assign(found.begin(), found.end());
   return true;
