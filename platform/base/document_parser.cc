@@ -27,6 +27,10 @@ std::string PrintableLine(std::string_view text) {
 Parser::Parser(Document* doc, const Syntax& syntax) : doc_(doc), markers_(syntax) {}
 
 void Parser::Run() {
+  // Sections are rarely shorter than 64 bytes. Reserving address space
+  // costs nothing until it is touched, while growing by doubling would copy
+  // and page in the table again and again on large files.
+  doc_->sections_.reserve(doc_->buffer_->size() / 64 + 4);
   Lexer lexer(*doc_->buffer_, markers_);
   Token token;
   while (lexer.Next(&token)) {
