@@ -86,13 +86,28 @@ std::string Diagnostic::Format(std::string_view file) const {
   return out;
 }
 
-Document::Document() : buffer_(new std::string()) {}
+Document::Document()
+    : buffer_(new std::string()),
+      memory_(new Arena()),
+      sections_(ArenaAllocator<Section>(memory_.get())) {}
 Document::~Document() = default;
 Document::Document(Document&&) noexcept = default;
-Document& Document::operator=(Document&&) noexcept = default;
+Document& Document::operator=(Document&& other) noexcept {
+  if (this == &other) return *this;
+  // Our old tables must go while the arena they live in still exists.
+  sections_ = std::move(other.sections_);
+  memory_ = std::move(other.memory_);
+  buffer_ = std::move(other.buffer_);
+  arena_ = std::move(other.arena_);
+  diagnostics_ = std::move(other.diagnostics_);
+  return *this;
+}
 
 Document Document::Parse(std::string text, const Syntax& syntax) {
   Document doc;
+  // The index takes about as much memory as the text it points into.
+  doc.memory_.reset(new Arena(text.size() + text.size() / 2));
+  doc.sections_ = SectionList(ArenaAllocator<Section>(doc.memory_.get()));
   *doc.buffer_ = std::move(text);
   Parser(&doc, syntax).Run();
   return doc;
@@ -126,7 +141,7 @@ const Section* Document::Find(std::string_view name) const {
 }
 
 Section& Document::Add(std::string_view name) {
-  Section section;
+  Section section(memory_.get());
   section.name = Intern(TrimBlanks(OneLine(name)));
   sections_.push_back(std::move(section));
   return sections_.back();
@@ -146,7 +161,7 @@ void Document::Set(Section& section, std::string_view key, std::string_view valu
 }
 
 void Document::Remove(Section& section, std::string_view key) {
-  std::vector<Entry>& entries = section.entries;
+  EntryList& entries = section.entries;
   size_t kept = 0;
   for (size_t i = 0; i < entries.size(); ++i) {
     if (entries[i].key != key) entries[kept++] = entries[i];

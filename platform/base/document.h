@@ -9,6 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/base/arena.h"
+
 namespace cfg {
 
 // The markers of the multi-section text format. Every configuration file of
@@ -36,9 +38,15 @@ struct Entry {
   uint32_t line = 0;  // 1-based line in the parsed text, 0 when added later
 };
 
+// Entry and section tables of a parsed document live in its arena.
+using EntryList = std::vector<Entry, ArenaAllocator<Entry>>;
+
 struct Section {
+  Section() = default;
+  explicit Section(Arena* arena) : entries(ArenaAllocator<Entry>(arena)) {}
+
   std::string_view name;
-  std::vector<Entry> entries;
+  EntryList entries;
   uint32_t line = 0;
 
   // First entry with that key, or nullptr.
@@ -88,8 +96,9 @@ class Document {
   bool empty() const { return sections_.empty(); }
   Section& operator[](size_t i) { return sections_[i]; }
   const Section& operator[](size_t i) const { return sections_[i]; }
-  std::vector<Section>& sections() { return sections_; }
-  const std::vector<Section>& sections() const { return sections_; }
+  using SectionList = std::vector<Section, ArenaAllocator<Section>>;
+  SectionList& sections() { return sections_; }
+  const SectionList& sections() const { return sections_; }
 
   // First section with that name, or nullptr.
   Section* Find(std::string_view name);
@@ -115,7 +124,8 @@ class Document {
  private:
   std::unique_ptr<std::string> buffer_;  // parsed text; heap-held so views survive moves
   std::deque<std::string> arena_;        // decoded or later-set texts
-  std::vector<Section> sections_;
+  std::unique_ptr<Arena> memory_;        // the tables below; declared first, freed last
+  SectionList sections_;
   std::vector<Diagnostic> diagnostics_;
 
   friend class Parser;

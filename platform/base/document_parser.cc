@@ -115,7 +115,7 @@ void Parser::StartSection(const Token& token) {
 }
 
 void Parser::EndSection() {
-  Section section;
+  Section section(doc_->memory_.get());
   section.name = open_section_.name;
   section.line = open_section_.line;
   // An exact-size copy: one allocation per section instead of a growing

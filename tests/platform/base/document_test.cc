@@ -161,6 +161,23 @@ TEST_F(DocumentTest, ViewsSurviveMovesOfTheDocument) {
   EXPECT_EQ("set later", assigned[0].Get("later"));
 }
 
+TEST_F(DocumentTest, ReplacingALargeDocumentKeepsTheNewOneIntact) {
+  // Large enough for the index to live in mapped chunks of its own.
+  std::string big;
+  for (int i = 0; i < 60000; ++i)
+    big += "section s" + std::to_string(i) + "\n{\nkey = value " + std::to_string(i) +
+           "\nother = \"q\\tq\"\n}\n";
+  Document doc = Document::Parse(big);
+  doc.Set(doc[59999], "grown", "after parse");
+  doc = Document::Parse(big);  // the old tables go first, then their memory
+  ASSERT_EQ(60000u, doc.size());
+  EXPECT_EQ("value 59999", doc[59999].Get("key"));
+  EXPECT_EQ("q\tq", doc[12345].Get("other"));
+  EXPECT_FALSE(doc[59999].Has("grown"));
+  doc = Document::Parse("section small\n{\n}\n");
+  EXPECT_EQ("small", doc[0].name);
+}
+
 TEST_F(DocumentTest, EraseIgnoresIndexesOutOfRange) {
   Document doc = Document::Parse("section a\n{\n}\nsection b\n{\n}\n");
   doc.Erase(5);
