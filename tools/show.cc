@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstring>
 #include <iomanip>
+#include <iterator>
 #include <ostream>
 #include <sys/stat.h>
 
@@ -32,10 +33,24 @@ std::string CodecNames(const std::list<CodecInfo>& codecs) {
   return names.empty() ? "-" : names;
 }
 
+// "1,2,5-9": runs of three or more consecutive numbers as ranges.
 template <typename List>
 std::string Numbers(const List& numbers) {
   std::string text;
-  for (auto n : numbers) text += (text.empty() ? "" : ",") + std::to_string(n);
+  for (auto it = numbers.begin(); it != numbers.end();) {
+    auto last = it;
+    size_t run = 1;
+    for (auto next = std::next(it); next != numbers.end() && *next == *last + 1; ++next, ++run)
+      last = next;
+    text += text.empty() ? "" : ",";
+    if (run >= 3) {
+      text += std::to_string(*it) + "-" + std::to_string(*last);
+      it = std::next(last);
+    } else {
+      text += std::to_string(*it);
+      ++it;
+    }
+  }
   return text;
 }
 
@@ -58,9 +73,11 @@ void PrintExtensions(const CMAgent& agent, std::ostream& out) {
   for (const ExtensionData* e : agent.extensionBase) {
     if (e == nullptr) continue;
     out << "  " << std::left << std::setw(8) << e->name << std::setw(10) << TypeName(e->type)
-        << " voice " << CodecNames(e->line.voiceCodecs) << "  fax " << e->line.fax.faxCodecs.size()
-        << "+" << CodecNames(e->line.fax.faxTransparentCodecs) << "  modem "
-        << CodecNames(e->line.modem.modemCodecs);
+        << " voice " << CodecNames(e->line.voiceCodecs);
+    if (!e->line.fax.faxCodecs.empty()) out << "  fax relay " << e->line.fax.faxCodecs.size();
+    if (!e->line.fax.faxTransparentCodecs.empty())
+      out << "  fax in band " << CodecNames(e->line.fax.faxTransparentCodecs);
+    if (!e->line.modem.modemCodecs.empty()) out << "  modem " << CodecNames(e->line.modem.modemCodecs);
     if (!e->fxo.channels.empty()) out << "  FXO " << Numbers(e->fxo.channels);
     if (!e->isdn.channels.empty()) out << "  ISDN " << Numbers(e->isdn.channels);
     if (!e->cas.spans.empty()) out << "  CAS " << CasText(e->cas);
