@@ -23,6 +23,12 @@ class Arena {
 
   void* Allocate(size_t bytes, size_t align);
 
+  // The arena for a document of `text_bytes`: room for the text itself and
+  // for the section and entry tables, which take about half as much again.
+  static std::unique_ptr<Arena> ForText(size_t text_bytes) {
+    return std::unique_ptr<Arena>(new Arena(text_bytes + text_bytes * 3 / 2 + 256));
+  }
+
  private:
   struct Chunk {
     char* base;          // what was mapped, for unmapping

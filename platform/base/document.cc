@@ -98,6 +98,7 @@ Document& Document::operator=(Document&& other) noexcept {
   sections_ = std::move(other.sections_);
   memory_ = std::move(other.memory_);
   buffer_ = std::move(other.buffer_);
+  text_ = other.text_;
   arena_ = std::move(other.arena_);
   diagnostics_ = std::move(other.diagnostics_);
   return *this;
@@ -105,10 +106,20 @@ Document& Document::operator=(Document&& other) noexcept {
 
 Document Document::Parse(std::string text, const Syntax& syntax) {
   Document doc;
-  // The index takes about as much memory as the text it points into.
   doc.memory_.reset(new Arena(text.size() + text.size() / 2));
   doc.sections_ = SectionList(ArenaAllocator<Section>(doc.memory_.get()));
   *doc.buffer_ = std::move(text);
+  doc.text_ = *doc.buffer_;
+  Parser(&doc, syntax).Run();
+  return doc;
+}
+
+Document Document::Parse(std::unique_ptr<Arena> arena, std::string_view text,
+                         const Syntax& syntax) {
+  Document doc;
+  doc.memory_ = std::move(arena);
+  doc.sections_ = SectionList(ArenaAllocator<Section>(doc.memory_.get()));
+  doc.text_ = text;
   Parser(&doc, syntax).Run();
   return doc;
 }

@@ -85,6 +85,10 @@ class Document {
   // rest is reported in diagnostics(). A section without its closer ends at
   // the next section line or at the end of the text.
   static Document Parse(std::string text, const Syntax& syntax = Syntax());
+  // The same for a text that lives in `arena`, which the document takes
+  // over to hold its tables as well.
+  static Document Parse(std::unique_ptr<Arena> arena, std::string_view text,
+                        const Syntax& syntax = Syntax());
 
   // The text of the document; Parse(Serialize()) gives back the same
   // sections, keys and values. Values that could not stand on one line as
@@ -122,7 +126,8 @@ class Document {
   const std::vector<Diagnostic>& diagnostics() const { return diagnostics_; }
 
  private:
-  std::unique_ptr<std::string> buffer_;  // parsed text; heap-held so views survive moves
+  std::unique_ptr<std::string> buffer_;  // parsed text, unless it lives in memory_
+  std::string_view text_;                // the parsed text, wherever it lives
   std::deque<std::string> arena_;        // decoded or later-set texts
   std::unique_ptr<Arena> memory_;        // the tables below; declared first, freed last
   SectionList sections_;

@@ -30,8 +30,8 @@ void Parser::Run() {
   // Sections are rarely shorter than 64 bytes. Reserving address space
   // costs nothing until it is touched, while growing by doubling would copy
   // and page in the table again and again on large files.
-  doc_->sections_.reserve(doc_->buffer_->size() / 64 + 4);
-  Lexer lexer(*doc_->buffer_, markers_);
+  doc_->sections_.reserve(doc_->text_.size() / 64 + 4);
+  Lexer lexer(doc_->text_, markers_);
   Token token;
   while (lexer.Next(&token)) {
     switch (token.kind) {

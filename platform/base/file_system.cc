@@ -52,14 +52,27 @@ FileLock::~FileLock() {
   close(fd_);
 }
 
+Status FileSystem::ReadFileToArena(const std::string& path, std::unique_ptr<Arena>* arena,
+                                   std::string_view* contents) {
+  std::string text;
+  Status s = ReadFile(path, &text);
+  if (!s.ok()) return s;
+  *arena = Arena::ForText(text.size());
+  char* copy = static_cast<char*>((*arena)->Allocate(text.size() + 1, 1));
+  text.copy(copy, text.size());
+  *contents = std::string_view(copy, text.size());
+  return s;
+}
+
 Status LoadDocument(const std::string& path, Document* doc, const Syntax& syntax) {
-  std::string contents;
-  Status s = FileSystem::Default()->ReadFile(path, &contents);
+  std::unique_ptr<Arena> arena;
+  std::string_view text;
+  Status s = FileSystem::Default()->ReadFileToArena(path, &arena, &text);
   if (!s.ok()) {
     *doc = Document();
     return s;
   }
-  *doc = Document::Parse(std::move(contents), syntax);
+  *doc = Document::Parse(std::move(arena), text, syntax);
   return s;
 }
 

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/base/arena.h"
 #include "platform/base/document.h"
 #include "platform/base/status.h"
 
@@ -28,6 +29,12 @@ class FileSystem {
   // Whole contents of a regular file. NotFound when it does not exist,
   // IOError when it is a directory or cannot be read.
   virtual Status ReadFile(const std::string& path, std::string* contents) = 0;
+
+  // As ReadFile, into a new arena made large enough for the text and the
+  // index of its parsed document too, so that a large file and its index
+  // sit in a few big chunks. The default reads with ReadFile and copies.
+  virtual Status ReadFileToArena(const std::string& path, std::unique_ptr<Arena>* arena,
+                                 std::string_view* contents);
 
   // Replaces the file atomically and durably: writes a temporary file in the
   // same folder, flushes it to disk, renames it over `path` and flushes the

@@ -66,20 +66,66 @@ std::string TempPathFor(const std::string& path) {
   return path + suffix;
 }
 
-Status PosixFileSystem::ReadFile(const std::string& path, std::string* contents) {
+namespace {
+
+// Opens a regular file for reading; its size goes to *size.
+Status OpenRegular(const std::string& path, int* fd, size_t* size) {
   // O_NONBLOCK: a FIFO where a file should be must not hang the reader.
-  int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-  if (fd < 0) return ErrnoStatus("cannot open " + path, errno);
-  struct stat st;
+  *fd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+  if (*fd < 0) return ErrnoStatus("cannot open " + path, errno);
+  struct stat st = {};
   Status s;
-  if (fstat(fd, &st) != 0) {
+  if (fstat(*fd, &st) != 0) {
     s = ErrnoStatus("cannot stat " + path, errno);
   } else if (!S_ISREG(st.st_mode)) {
     s = Status::IOError(path + (S_ISDIR(st.st_mode) ? " is a directory" : " is not a regular file"));
-  } else {
-    s = ReadAll(fd, path, static_cast<size_t>(st.st_size), contents);
+  }
+  if (!s.ok()) {
+    close(*fd);
+    *fd = -1;
+  }
+  *size = static_cast<size_t>(st.st_size);
+  return s;
+}
+
+}  // namespace
+
+Status PosixFileSystem::ReadFile(const std::string& path, std::string* contents) {
+  int fd = -1;
+  size_t size = 0;
+  Status s = OpenRegular(path, &fd, &size);
+  if (!s.ok()) return s;
+  s = ReadAll(fd, path, size, contents);
+  close(fd);
+  return s;
+}
+
+Status PosixFileSystem::ReadFileToArena(const std::string& path, std::unique_ptr<Arena>* arena,
+                                        std::string_view* contents) {
+  int fd = -1;
+  size_t size = 0;
+  Status s = OpenRegular(path, &fd, &size);
+  if (!s.ok()) return s;
+  std::unique_ptr<Arena> fresh = Arena::ForText(size);
+  // One byte more than the size, to see the end without a second read.
+  char* data = static_cast<char*>(fresh->Allocate(size + 1, 1));
+  size_t used = 0;
+  while (used <= size) {
+    ssize_t n = read(fd, data + used, size + 1 - used);
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) {
+      s = ErrnoStatus("cannot read " + path, errno);
+      break;
+    }
+    if (n == 0) break;
+    used += static_cast<size_t>(n);
   }
   close(fd);
+  if (!s.ok()) return s;
+  // The file grew while we read it: take it the slow way, whole.
+  if (used > size) return FileSystem::ReadFileToArena(path, arena, contents);
+  *arena = std::move(fresh);
+  *contents = std::string_view(data, used);
   return s;
 }
 

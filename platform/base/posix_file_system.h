@@ -16,6 +16,8 @@ namespace cfg {
 class PosixFileSystem : public FileSystem {
  public:
   Status ReadFile(const std::string& path, std::string* contents) override;
+  Status ReadFileToArena(const std::string& path, std::unique_ptr<Arena>* arena,
+                         std::string_view* contents) override;
   Status WriteFileAtomic(const std::string& path, std::string_view contents) override;
   bool FileExists(const std::string& path) override;
   bool DirExists(const std::string& path) override;
