@@ -63,6 +63,28 @@ TEST_F(FileSystemTest, ReadFileTellsMissingFromUnreadable) {
   EXPECT_EQ("untouched", contents);
 }
 
+TEST_F(FileSystemTest, ReadingIntoAnArenaGivesTheWholeFile) {
+  PosixFileSystem fs;
+  std::string text = "section a\n{\nk = v\n}\n" + std::string(100000, '#') + "\n";
+  root_.Write("f.cfg", text);
+  root_.Write("empty.cfg", "");
+  for (bool copying : {false, true}) {
+    std::unique_ptr<Arena> arena;
+    std::string_view read;
+    Status s = copying ? fs.FileSystem::ReadFileToArena(root_.Path("f.cfg"), &arena, &read)
+                       : fs.ReadFileToArena(root_.Path("f.cfg"), &arena, &read);
+    ASSERT_TRUE(s.ok()) << s.ToString();
+    EXPECT_EQ(text, read);
+    ASSERT_TRUE(fs.ReadFileToArena(root_.Path("empty.cfg"), &arena, &read).ok());
+    EXPECT_TRUE(read.empty());
+  }
+  std::unique_ptr<Arena> arena;
+  std::string_view read;
+  root_.MakeDir("dir.cfg");
+  EXPECT_EQ(Status::kIOError, fs.ReadFileToArena(root_.Path("dir.cfg"), &arena, &read).code());
+  EXPECT_TRUE(fs.ReadFileToArena(root_.Path("none.cfg"), &arena, &read).IsNotFound());
+}
+
 TEST_F(FileSystemTest, WriteFileAtomicReplacesContentsAndKeepsMode) {
   root_.Write("f.cfg", "old");
   chmod(root_.Path("f.cfg").c_str(), 0600);
