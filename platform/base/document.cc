@@ -29,6 +29,15 @@ std::string OneLine(std::string_view text) {
   return out;
 }
 
+// OneLine without a copy for the usual name that needs no change.
+void AppendOneLine(std::string_view text, std::string* out) {
+  if (HasControl(text)) {
+    out->append(OneLine(text));
+  } else {
+    out->append(text);
+  }
+}
+
 void AppendValue(std::string_view value, std::string* out) {
   if (NeedsQuoting(value)) {
     AppendQuoted(value, out);
@@ -39,10 +48,12 @@ void AppendValue(std::string_view value, std::string* out) {
 
 void AppendSection(const Section& section, const Markers& m, std::string* out) {
   out->append(m.keyword).push_back(' ');
-  out->append(OneLine(section.name)).push_back('\n');
+  AppendOneLine(section.name, out);
+  out->push_back('\n');
   out->append(m.opener).push_back('\n');
   for (const Entry& e : section.entries) {
-    out->append(OneLine(e.key)).push_back(' ');
+    AppendOneLine(e.key, out);
+    out->push_back(' ');
     out->append(m.separator);
     if (!e.value.empty()) {
       out->push_back(' ');
