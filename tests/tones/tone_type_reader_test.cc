@@ -107,4 +107,38 @@ TEST_F(ToneFileTest, OnlyKnownSectionsAreRead) {
   EXPECT_TRUE(SameTone(reader_.GetDefaultTone(DeviceTone_Reorder), tones[DeviceTone_Reorder]));
 }
 
+TEST_F(ToneFileTest, EachLoadReadsTheFileAfresh) {
+  EXPECT_EQ(425, InsideDial("frequency_1 = 425\n").frequency_1);
+  EXPECT_EQ(350, InsideDial("frequency_1 = 350\n").frequency_1);
+
+  // A record that is loaded again is overwritten whole, not merged.
+  ToneType tone = InsideDial("frequency_2 = 100\nis_play_wav_on = 0\npattern = 1,2\n");
+  root_.Write(kToneFile, "# nothing for the dial tone\n");
+  ASSERT_TRUE(reader_.Load(DeviceTone_InsideDial, tone));
+  EXPECT_TRUE(SameTone(reader_.GetDefaultTone(DeviceTone_InsideDial), tone));
+
+  // Alerting is a mode-1 tone; a bad mode reads as 0 and the cadence is then
+  // composed as for mode 0.
+  root_.Write(kToneFile, "section DeviceTone_Alerting\n{\nmode = x\ntone_duration = 300\n"
+                         "silence_duration = 200\n}\n");
+  ASSERT_TRUE(reader_.Load(DeviceTone_Alerting, tone));
+  EXPECT_EQ(0u, tone.mode);
+  EXPECT_EQ("300,200", tone.pattern);
+  EXPECT_EQ(1u, InsideDial("mode = 1junk\n").mode);
+}
+
+TEST_F(ToneFileTest, GarbageFileGivesTheDefaults) {
+  static const char kGarbage[] = "\x7f" "ELF\0\0\x01{{}}=\n=#\n}\nsection\n{\nsection DeviceTone_Zip";
+  root_.Write(kToneFile, std::string(kGarbage, sizeof(kGarbage) - 1));
+  ToneType tones[kDeviceToneCount];
+  ASSERT_TRUE(reader_.Load(tones));
+  for (int t = 0; t < kDeviceToneCount; ++t)
+    EXPECT_TRUE(SameTone(reader_.GetDefaultTone(static_cast<DeviceTone>(t)), tones[t])) << t;
+
+  ToneType copy("1,1", 1, 1, 1);
+  ToneType& same = copy;
+  copy = same;
+  EXPECT_EQ("1,1", copy.pattern);
+}
+
 }  // namespace
