@@ -110,14 +110,15 @@ SupServAccessor* AddressPatternParams::GetSupServAccessor(AddressPatternBlock* b
   if (block == nullptr || GetBlock(block->id) != block) return nullptr;
   auto it = rep_->accessors.find(block);
   if (it != rep_->accessors.end()) return it->second;
-  SupServAccessor probe;
-  unsigned found = 0;
-  extdb::ReadServices(rep_->owner->doc, block->id, kAllServices, &probe, &found);
-  if (found == 0 && !create) return nullptr;
   SupServAccessor* accessor = new SupServAccessor;
   accessor->rep_->owner = rep_->owner;
   accessor->rep_->block = block;
-  accessor->LoadAll();
+  unsigned found = 0;
+  extdb::ReadServices(rep_->owner->doc, block->id, kAllServices, accessor, &found);
+  if (found == 0 && !create) {
+    delete accessor;  // nothing stored for this contact
+    return nullptr;
+  }
   rep_->accessors[block] = accessor;
   return accessor;
 }

@@ -1,15 +1,28 @@
 // Decoding of an extension file's sections into its parameter blocks.
-#include <cstdlib>
 #include <string>
 
-#include "platform/base/string_utils.h"
 #include "platform/extension/extension_rep.h"
 #include "platform/extension/section_fields.h"
 
 namespace extdb {
-namespace {
 
 using blocks::ParseValue;
+
+bool ParseAddressEntry(std::string_view text, AddrInfo* out) {
+  size_t first = text.find(',');
+  if (first == std::string_view::npos) return false;
+  size_t second = text.find(',', first + 1);
+  if (second == std::string_view::npos) return false;
+  AddrInfo info;
+  if (!ParseValue(text.substr(0, first), &info.enabled) ||
+      !ParseValue(text.substr(first + 1, second - first - 1), &info.type))
+    return false;
+  info.address = std::string(text.substr(second + 1));
+  *out = info;
+  return true;
+}
+
+namespace {
 
 const Field<ExtSipSettingsParams> kSipFields[] = {
     {"auth_name", &ExtSipSettingsParams::authName},
@@ -138,22 +151,6 @@ std::unique_ptr<ExtServiceCodesParams> DecodeServiceCodes(const cfg::Document& d
   return block;
 }
 
-// "enabled,type,address" (the address last: it may hold commas). False
-// when the two numbers are missing.
-bool ParseAddress(std::string_view text, AddrInfo* out) {
-  size_t first = text.find(',');
-  if (first == std::string_view::npos) return false;
-  size_t second = text.find(',', first + 1);
-  if (second == std::string_view::npos) return false;
-  AddrInfo info;
-  if (!ParseValue(text.substr(0, first), &info.enabled) ||
-      !ParseValue(text.substr(first + 1, second - first - 1), &info.type))
-    return false;
-  info.address = std::string(text.substr(second + 1));
-  *out = info;
-  return true;
-}
-
 std::unique_ptr<AccessListParams> DecodeAccessList(const cfg::Document& doc) {
   const cfg::Section* section = doc.Find("access_list");
   if (section == nullptr) return nullptr;
@@ -165,7 +162,7 @@ std::unique_ptr<AccessListParams> DecodeAccessList(const cfg::Document& doc) {
     if (comma == std::string_view::npos) return;
     AccessListParams::Entry entry;
     if (!ParseValue(value.substr(0, comma), &entry.priority)) return;
-    if (!ParseAddress(value.substr(comma + 1), &entry.address)) return;
+    if (!ParseAddressEntry(value.substr(comma + 1), &entry.address)) return;
     block->entries.push_back(entry);
   });
   return block;
@@ -233,6 +230,5 @@ void DecodeProperties(const cfg::Document& doc, unsigned mask, Extension::Rep* r
   if (mask & kPropSpeedDial) DecodeSpeedDial(doc, rep);
 }
 
-bool ParseAddressEntry(std::string_view text, AddrInfo* out) { return ParseAddress(text, out); }
 
 }  // namespace extdb
