@@ -1,9 +1,10 @@
 // The extension and attendant tables, the shared-extension list and the
 // default ring pattern.
 #include <algorithm>
+#include <memory>
 
 #include "agent/agent_log.h"
-#include "agent/scoped_extension_manager.h"
+#include "agent/extension_frame.h"
 #include "cmcfg/cm_agent.h"
 #include "platform/base/thread_mutex.h"
 #include "platform/extension/extension_manager.h"
@@ -25,18 +26,46 @@ const char* TypeLine(ExtType type) {
   }
 }
 
+// The per-extension loaders, in their fixed order. Their results are not
+// examined: a record keeps its defaults where a property cannot be read.
+void LoadUser(CMAgent* agent, ExtensionData* record, Extension* stored) {
+  record->description = stored->GetText();
+  bool lineFlag = false;
+  agent->GetLineData(record->name, &record->line, &lineFlag);
+  agent->GetCodecData(record, stored->GetCodecParams());
+  agent->GetSipData(record, stored->GetSipSettingsParams(), nullptr);
+  agent->GetPersonalInfo(record, stored->GetPersonalInfoParams());
+  agent->GetServicesTimeouts(record, stored->GetServicesParams(), stored->GetTimeoutsParams(), lineFlag);
+  agent->GetSpeedDialList(record);
+  agent->GetFuntionalTable(record);
+  agent->GetAutoRedialData(record, stored->GetBusyRedialParams());
+  agent->GetPstnAgentsChannels(record, stored->GetPstnAgentParams());
+  agent->GetAutoCallData(record, stored->GetAutoCallParams());
+  agent->LoadAddressBook(record);
+}
+
+void LoadGroupOrPark(CMAgent* agent, ExtensionData* record, Extension* stored) {
+  agent->GetSipData(record, stored->GetSipSettingsParams(), nullptr);
+  agent->GetPersonalInfo(record, stored->GetPersonalInfoParams());
+  if (record->type == kExtCallPark) {
+    agent->GetCallParkData(record, stored->GetCallParkParams());
+  } else {  // pickup and paging groups
+    agent->GetAccessList(record, stored->GetAccessListParams());
+    agent->GetGroupList(record, stored->GetPickupGroupParams());
+  }
+  agent->GetCodecData(record, stored->GetCodecParams());
+}
+
 }  // namespace
 
 int CMAgent::LoadExtensionDB(const std::string& name, ExtType type) {
   if (name.empty()) return 0;
   if (type == kExtAttendant) return LoadAttendantDB(name);
 
-  ScopedExtensionManager manager(this);
-  Extension* stored = manager->GetExtension(type, name, manager.temporary());
-  if (stored == nullptr) {
-    CMCFG_TRACE(this, "*** LoadExtensionDB: failed to load extension %s ***\n", name.c_str());
-    return 0;
-  }
+  ExtensionFrame frame(this, {"*** LoadExtensionDB: failed to load extension %s ***\n", nullptr});
+  frame.manager();  // after Destroy: the frame's own, which decodes everything at once
+  Extension* stored = frame.Find(type, name, frame.temporary());
+  if (stored == nullptr) return 0;
   const char* line = TypeLine(type);
   if (line == nullptr) {
     CMCFG_TRACE(this, "*** LoadExtensionDB: wrong type - %d - for extension %s ***\n",
@@ -44,41 +73,28 @@ int CMAgent::LoadExtensionDB(const std::string& name, ExtType type) {
     return 0;
   }
 
-  ExtensionData* record = new ExtensionData;
+  std::unique_ptr<ExtensionData> record(new ExtensionData);
   record->name = name;
   record->type = type;
   CMCFG_TRACE(this, line, name.c_str());
-  // The per-extension loaders; their results are not examined: a record
-  // keeps its defaults where a property is missing.
-  switch (type) {
-    case kExtUser:
-      record->description = stored->GetText();
-      GetCodecData(record, nullptr);
-      GetPstnAgentsChannels(record, nullptr);
-      break;
-    case kExtCallPark:
-    case kExtPickup:
-    case kExtPaging:
-      GetCodecData(record, nullptr);
-      break;
-    default:
-      break;
+  if (type == kExtUser) {
+    LoadUser(this, record.get(), stored);
+  } else {
+    LoadGroupOrPark(this, record.get(), stored);
   }
-  extensionBase.push_back(record);
+  extensionBase.push_back(record.release());
   CMCFG_TRACE(this, "**************** %s ****************\n\n", name.c_str());
   return 1;
 }
 
 int CMAgent::LoadAttendantDB(const std::string& name) {
-  ScopedExtensionManager manager(this);
-  CHAttendant* stored = manager->GetAttendant(name, manager.temporary());
-  if (stored == nullptr) {
-    CMCFG_TRACE(this, "*** LoadAttendantDB: failed to load attendant %s ***\n", name.c_str());
-    return 0;
-  }
+  ExtensionFrame frame(this, {"*** LoadAttendantDB: failed to load attendant %s ***\n", nullptr});
+  frame.manager();
+  CHAttendant* stored = frame.FindAttendant(name, false, frame.temporary());
+  if (stored == nullptr) return 0;
   CMCFG_TRACE(this, "*** LoadAttendantDB: extension %s ***\n", name.c_str());
   Attendant* attendant = new Attendant(*stored);
-  GetAttCodecData(attendant, nullptr);
+  GetAttCodecData(attendant, stored->GetCodecParams());
   attendants.push_back(attendant);
   // One newline here where the extension loader writes two: kept so.
   CMCFG_TRACE(this, "**************** %s ****************\n", name.c_str());

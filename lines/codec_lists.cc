@@ -2,7 +2,7 @@
 #include <memory>
 
 #include "agent/agent_log.h"
-#include "agent/scoped_extension_manager.h"
+#include "agent/extension_frame.h"
 #include "cmcfg/cm_agent.h"
 #include "cmcfg/functions.h"
 #include "platform/base/config_root.h"
@@ -27,6 +27,28 @@ CodecInfo MakeCodec(int dsp, const std::string& name, bool mark) {
 std::list<std::string> SplitNames(const std::string& names) {
   std::vector<std::string> pieces = StringUtils::ParseCommaLine(names, ',');
   return std::list<std::string>(pieces.begin(), pieces.end());
+}
+
+void TraceListSizes(CMAgent* agent, const char* operation, const std::string& name,
+                    const std::list<CodecInfo>& voice, const std::list<FaxCodecInfo>& fax,
+                    const std::list<CodecInfo>& transparent, const std::list<CodecInfo>& modem) {
+  CMCFG_TRACE(agent,
+              "%s: extension %s, list sizes: voice = %u, fax = %u, fax transp. = %u, modem = %u.\n",
+              operation, name.c_str(), static_cast<unsigned>(voice.size()),
+              static_cast<unsigned>(fax.size()), static_cast<unsigned>(transparent.size()),
+              static_cast<unsigned>(modem.size()));
+}
+
+}  // namespace
+
+namespace {
+
+// The modem and fax lists, alike for extensions and attendants.
+void FillMediaLists(CMAgent* agent, const ExtCodecParams& block, std::list<CodecInfo>& modem,
+                    std::list<FaxCodecInfo>& fax, std::list<CodecInfo>& transparent) {
+  // G.723 is never offered for modem calls.
+  AddLineCodecsToList(block.modemCodecs, modem, false, false, true);
+  agent->FillFaxCodecs(block.faxCodecs, fax, transparent);
 }
 
 }  // namespace
@@ -81,74 +103,36 @@ bool CMAgent::FillFaxCodecs(const char* names, std::list<FaxCodecInfo>& faxCodec
 
 bool CMAgent::GetCodecData(ExtensionData* extension, ExtCodecParams* block) {
   if (extension == nullptr) return false;
-  std::unique_ptr<ScopedExtensionManager> manager;  // keeps the block alive
-  if (block == nullptr) {
-    manager.reset(new ScopedExtensionManager(this));
-    Extension* stored = (*manager)->GetExtension(extension->type, extension->name, false);
-    if (stored == nullptr) {
-      CMCFG_TRACE(this, "GetCodecData: failed to load extension %s.\n", extension->name.c_str());
-      return false;
-    }
-    stored->LoadProperty(kPropCodecs);
-    block = stored->GetCodecParams();
-    if (block == nullptr) {
-      CMCFG_TRACE(this, "GetCodecData: failed to load property for extension %s.\n",
-                  extension->name.c_str());
-      return false;
-    }
-  }
+  ExtensionFrame frame(this, CMCFG_FRAME_LINES("GetCodecData"));
+  block = frame.Fetch(block, extension->type, extension->name, kPropCodecs,
+                      &Extension::GetCodecParams);
+  if (block == nullptr) return false;
   LineSettings& line = extension->line;
   AddLineCodecsToList(block->voiceCodecs, line.voiceCodecs, true, false, false);
   AddLineCodecsToList(block->extraVoiceCodecs, line.voiceCodecs, true, true, false);
-  // G.723 is never offered for modem calls.
-  AddLineCodecsToList(block->modemCodecs, line.modem.modemCodecs, false, false, true);
-  FillFaxCodecs(block->faxCodecs, line.fax.faxCodecs, line.fax.faxTransparentCodecs);
+  FillMediaLists(this, *block, line.modem.modemCodecs, line.fax.faxCodecs, line.fax.faxTransparentCodecs);
   line.codecOption = block->codecOption;
-  CMCFG_TRACE(this,
-              "GetCodecData: extension %s, list sizes: voice = %u, fax = %u, fax transp. = %u, "
-              "modem = %u.\n",
-              extension->name.c_str(), static_cast<unsigned>(line.voiceCodecs.size()),
-              static_cast<unsigned>(line.fax.faxCodecs.size()),
-              static_cast<unsigned>(line.fax.faxTransparentCodecs.size()),
-              static_cast<unsigned>(line.modem.modemCodecs.size()));
+  TraceListSizes(this, "GetCodecData", extension->name, line.voiceCodecs, line.fax.faxCodecs,
+                 line.fax.faxTransparentCodecs, line.modem.modemCodecs);
   return true;
 }
 
 bool CMAgent::GetAttCodecData(Attendant* attendant, ExtCodecParams* block) {
   if (attendant == nullptr) return false;
-  std::unique_ptr<ScopedExtensionManager> manager;  // keeps the block alive
-  if (block == nullptr) {
-    manager.reset(new ScopedExtensionManager(this));
-    bool system = generalData.sysAttendant != nullptr &&
-                  generalData.sysAttendant->name == attendant->name;
-    CHAttendant* stored = system ? (*manager)->GetSystemExtension(false)
-                                 : (*manager)->GetAttendant(attendant->name, false);
-    if (stored == nullptr) {
-      CMCFG_TRACE(this, "GetAttCodecData: failed to load extension %s.\n", attendant->name.c_str());
-      return false;
-    }
-    stored->LoadProperty(kPropCodecs);
-    block = stored->GetCodecParams();
-    if (block == nullptr) {
-      CMCFG_TRACE(this, "GetAttCodecData: failed to load property for extension %s.\n",
-                  attendant->name.c_str());
-      return false;
-    }
-  }
+  ExtensionFrame frame(this, CMCFG_FRAME_LINES("GetAttCodecData"));
+  block = frame.FetchAttendant(block, attendant->name, IsSystemAttendant(*this, *attendant),
+                               kPropCodecs,
+                               &Extension::GetCodecParams);
+  if (block == nullptr) return false;
   AddLineCodecsToList(block->voiceCodecs, attendant->voiceCodecs, true, false, false);
   // An attendant without its own voice codecs offers the system's default
   // list; extensions get no such fallback.
   if (attendant->voiceCodecs.empty()) attendant->voiceCodecs = generalData.defaultVoiceCodecs;
   AddLineCodecsToList(block->extraVoiceCodecs, attendant->voiceCodecs, true, true, false);
-  AddLineCodecsToList(block->modemCodecs, attendant->modemCodecs, false, false, true);
-  FillFaxCodecs(block->faxCodecs, attendant->faxCodecs, attendant->faxTransparentCodecs);
+  FillMediaLists(this, *block, attendant->modemCodecs, attendant->faxCodecs,
+                 attendant->faxTransparentCodecs);
   attendant->codecOption = block->codecOption;
-  CMCFG_TRACE(this,
-              "GetAttCodecData: extension %s, list sizes: voice = %u, fax = %u, fax transp. = %u, "
-              "modem = %u.\n",
-              attendant->name.c_str(), static_cast<unsigned>(attendant->voiceCodecs.size()),
-              static_cast<unsigned>(attendant->faxCodecs.size()),
-              static_cast<unsigned>(attendant->faxTransparentCodecs.size()),
-              static_cast<unsigned>(attendant->modemCodecs.size()));
+  TraceListSizes(this, "GetAttCodecData", attendant->name, attendant->voiceCodecs,
+                 attendant->faxCodecs, attendant->faxTransparentCodecs, attendant->modemCodecs);
   return true;
 }

@@ -1,10 +1,9 @@
 // PSTN trunks: which kind of PSTN agent runs, and the channel sets of
 // PSTN-agent extensions.
 #include <algorithm>
-#include <memory>
 
 #include "agent/agent_log.h"
-#include "agent/scoped_extension_manager.h"
+#include "agent/extension_frame.h"
 #include "cmcfg/cm_agent.h"
 #include "platform/base/string_utils.h"
 #include "platform/blocks/general_settings_accessor.h"
@@ -64,21 +63,10 @@ bool CMAgent::GetPstnAgentData(bool createIfMissing) {
 
 bool CMAgent::GetPstnAgentsChannels(ExtensionData* extension, ExtPstnAgentParams* block) {
   if (extension == nullptr) return false;
-  std::unique_ptr<ScopedExtensionManager> manager;  // keeps the block alive
-  ExtPstnAgentParams none;
-  if (block == nullptr) {
-    manager.reset(new ScopedExtensionManager(this));
-    Extension* stored = (*manager)->GetExtension(extension->type, extension->name, false);
-    if (stored == nullptr) {
-      CMCFG_TRACE(this, "GetPstnAgentsChannels: failed to load extension %s.\n",
-                  extension->name.c_str());
-      return false;
-    }
-    stored->LoadProperty(kPropPstnAgent);
-    block = stored->GetPstnAgentParams();
-    // An extension that is no PSTN agent has no channels.
-    if (block == nullptr) block = &none;
-  }
+  ExtensionFrame frame(this, CMCFG_FRAME_LINES("GetPstnAgentsChannels"));
+  block = frame.Fetch(block, extension->type, extension->name, kPropPstnAgent,
+                      &Extension::GetPstnAgentParams);
+  if (block == nullptr) return false;
   GetCasData(block->casChannels, &extension->cas.spans);
   GetIsdnData(block->isdnChannels, &extension->isdn.channels);
   GetFxoChannels(block->fxoChannels, &extension->fxo.channels);

@@ -14,13 +14,24 @@
 #include "cmcfg/tone_type.h"
 #include "cmcfg/types.h"
 
+class CHAttendant;
 class EncodingManager;
+class Extension;
 class ExtensionManager;
 class LineManager;
 class LogStream;
 class ThreadMutex;
+struct AccessListParams;
+struct CallParkGeneralParams;
+struct ExtAutoCallParams;
+struct ExtBusyRedialParams;
 struct ExtCodecParams;
+struct ExtPersonalInfoParams;
 struct ExtPstnAgentParams;
+struct ExtServicesParams;
+struct ExtSipSettingsParams;
+struct ExtTimeoutsParams;
+struct PickupGroupParams;
 
 // The configuration agent: constructing it reads the whole configuration
 // under the configuration root ("ORBA_PATH", else "/etc/orba-conf/") into
@@ -83,6 +94,60 @@ class CMCFG_EXPORT CMAgent {
                      std::list<CodecInfo>& transparentCodecs);
   bool GetCodecData(ExtensionData* extension, ExtCodecParams* block);
   bool GetAttCodecData(Attendant* attendant, ExtCodecParams* block);
+
+  // --- FXS line binding
+  // Binds `line` to the local and remote FXS endpoints the line database
+  // gives `extension` (null `line`: only tells whether the binding
+  // resolves). *flag, when given, is set to false and never to true. An
+  // extension with no entry stays virtual: true, `line` untouched. False
+  // when an entry's gateway or FXS line is missing (`line` may be partly
+  // filled). Uses the agent's line managers, or ones opened for this call.
+  bool GetLineData(const std::string& extension, LineSettings* line, bool* flag);
+
+  // --- functional table, speed dial, address book (null records give false)
+  // Appends one key per recognised character of `text` (digits, '*', '#',
+  // 'f' for hook flash; others skipped). Always true.
+  bool FormKeySequence(std::vector<KeypadButton>& keys, std::string& text);
+  // Rebuilds the user extension's table of service codes, ascending by key
+  // sequence. False (table empty) for another kind or a missing extension.
+  bool GetFuntionalTable(ExtensionData* extension);
+  // Rebuilds the user extension's speed-dial list ("#" and two digits).
+  bool GetSpeedDialList(ExtensionData* extension);
+  // Rebuilds the address book: contacts with their services, grouped by
+  // call type, plain numbers before patterns.
+  bool LoadAddressBook(ExtensionData* extension);
+  // True when `name` holds a '?' or '*' not escaped by a backslash.
+  bool IsWildCardExist(const std::string& name);
+  // Regroups `book` in place: call types in order of first appearance; in
+  // each, the plain numbers in their order, then the patterns, most specific
+  // first.
+  void GroupAddressBook(std::list<std::pair<Contact, SupServiceSet>>& book);
+  // Assigns the services of `mask` (gAllProperties: all) of contact
+  // `contactId` of the stored extension to `set`. Zero when the contact has
+  // no stored services; a null extension leaves `set` untouched.
+  int FillSupServiceSet(Extension* stored, SupServiceSet& set, int contactId, unsigned int mask);
+
+  // --- per-extension profile queries
+  // Each copies one property of the stored extension (or the block given)
+  // into the record and logs one line. A missing extension or property logs
+  // the operation's failure line, leaves the record unchanged and gives
+  // false. After Destroy each opens the extension database for the call.
+  // keepLineMedia: leave the line's fax and modem settings as they are.
+  bool GetServicesTimeouts(ExtensionData* extension, ExtServicesParams* services,
+                           ExtTimeoutsParams* timeouts, bool keepLineMedia);
+  bool GetCallParkData(ExtensionData* extension, CallParkGeneralParams* block);
+  // userName, when given and not empty, replaces the stored SIP user name.
+  bool GetSipData(ExtensionData* extension, ExtSipSettingsParams* block, std::string* userName);
+  bool GetPersonalInfo(ExtensionData* extension, ExtPersonalInfoParams* block);
+  bool GetAccessList(ExtensionData* extension, AccessListParams* block);
+  bool GetGroupList(ExtensionData* extension, PickupGroupParams* block);
+  bool GetAutoRedialData(ExtensionData* extension, ExtBusyRedialParams* block);
+  bool GetAutoCallData(ExtensionData* extension, ExtAutoCallParams* block);
+  // The attendant queries read the system attendant's record when the
+  // attendant is the system attendant (GetAttIpData: when `system`).
+  bool GetAttGeneralParams(Attendant* attendant);
+  bool GetAttPersonalInfo(Attendant* attendant);
+  bool GetAttIpData(Attendant* attendant, bool system, std::string* userName);
 
   // --- PSTN trunks
   bool GetPstnAgentData(bool createIfMissing);

@@ -72,12 +72,14 @@ class CMCFG_EXPORT ExtensionData : public UsrData {
   VmsSettings vms;
   RcSettings rc;
   ExtType type = kExtUser;
+  // From the personal data.
   int32_t userClass = 0;
   int32_t language = 0;
-  int32_t service1First = 1, service1Second = 0;
-  int32_t service2First = 1, service2Second = 0;
-  int32_t service3First = 1, service3Second = 0;
-  int32_t option1 = 0, option2 = 1, option3 = 1, option4 = 0;
+  // From the services: three (allowed, setting) pairs and four switches.
+  int32_t conferenceAllowed = 1, conferenceMaxParties = 0;
+  int32_t callPickupAllowed = 1, callPickupGroup = 0;
+  int32_t intrusionAllowed = 1, intrusionLevel = 0;
+  int32_t musicOnHold = 0, callerIdPresentation = 1, callHoldAllowed = 1, anonymousRejection = 0;
 };
 
 #endif  // CMCFG_EXTENSION_DATA_H_

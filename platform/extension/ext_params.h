@@ -93,6 +93,16 @@ struct ExtServicesParams : ParamsHeader {
   int32_t faxToneForced = 0;
   std::string faxProfile;
   int32_t modemMode = 0;
+  int32_t conferenceAllowed = 1;
+  int32_t conferenceMaxParties = 0;  // 0: the system's limit
+  int32_t callPickupAllowed = 1;
+  int32_t callPickupGroup = 0;
+  int32_t intrusionAllowed = 1;
+  int32_t intrusionLevel = 0;
+  int32_t musicOnHold = 0;
+  int32_t callerIdPresentation = 1;
+  int32_t callHoldAllowed = 1;
+  int32_t anonymousRejection = 0;
 };
 
 // 0x200: time-outs in seconds.

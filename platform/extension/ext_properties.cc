@@ -77,6 +77,16 @@ const Field<ExtServicesParams> kServicesFields[] = {
     {"fax_tone_forced", &ExtServicesParams::faxToneForced},
     {"fax_profile", &ExtServicesParams::faxProfile},
     {"modem_mode", &ExtServicesParams::modemMode},
+    {"conference_allowed", &ExtServicesParams::conferenceAllowed},
+    {"conference_max_parties", &ExtServicesParams::conferenceMaxParties},
+    {"call_pickup_allowed", &ExtServicesParams::callPickupAllowed},
+    {"call_pickup_group", &ExtServicesParams::callPickupGroup},
+    {"intrusion_allowed", &ExtServicesParams::intrusionAllowed},
+    {"intrusion_level", &ExtServicesParams::intrusionLevel},
+    {"music_on_hold", &ExtServicesParams::musicOnHold},
+    {"caller_id_presentation", &ExtServicesParams::callerIdPresentation},
+    {"call_hold_allowed", &ExtServicesParams::callHoldAllowed},
+    {"anonymous_call_rejection", &ExtServicesParams::anonymousRejection},
 };
 
 const Field<ExtTimeoutsParams> kTimeoutsFields[] = {
