@@ -1,0 +1,119 @@
+// Changes to an address book: contacts re-read, added or erased, and
+// numbers added to a black list.
+#include <algorithm>
+#include <cstdlib>
+
+#include "agent/agent_log.h"
+#include "agent/extension_frame.h"
+#include "cmcfg/cm_agent.h"
+#include "platform/base/string_utils.h"
+
+namespace {
+
+std::list<AddressBookEntry>::iterator FindContact(std::list<AddressBookEntry>& book, long id) {
+  return std::find_if(book.begin(), book.end(),
+                      [id](const AddressBookEntry& e) { return e.first.id == id; });
+}
+
+}  // namespace
+
+int CMAgent::UpdateContact(ExtensionData* extension, const std::string& ids,
+                           UpdateTypeCodes::UpdateTypeMode mode) {
+  if (extension == nullptr) return 0;
+  ExtensionFrame frame(this, CMCFG_FRAME_LINES("UpdateContact"));
+  Extension* stored = frame.Find(extension->type, extension->name);
+  if (stored == nullptr) return 0;
+  stored->ReloadProperty(kPropAddressPatterns);
+  AddressPatternParams* params = stored->GetAddressPatternParams();
+  std::list<AddressBookEntry>& book = extension->addressBook;
+  const char* name = extension->name.c_str();
+
+  for (const std::string& piece : StringUtils::ParseCommaLine(ids, ',')) {
+    long id = std::strtol(piece.c_str(), nullptr, 10);
+    auto entry = FindContact(book, id);
+    AddressPatternBlock* block = nullptr;
+    if (mode != UpdateTypeCodes::kUpdateErase && params != nullptr && id > 0)
+      block = params->GetBlock(static_cast<unsigned long>(id));
+    if (mode == UpdateTypeCodes::kUpdateErase ? entry == book.end() : block == nullptr) {
+      CMCFG_TRACE(this, "UpdateContact: extension %s has no such contact ID - %d.\n", name,
+                  static_cast<int>(id));
+      return 0;  // the identifiers before it stay applied
+    }
+    if (mode == UpdateTypeCodes::kUpdateErase) {
+      CMCFG_TRACE(this, "UpdateContact: extension %s, erasing contact %s.\n", name,
+                  entry->first.name.c_str());
+      book.erase(entry);  // an erase keeps the book's grouping
+      continue;
+    }
+    CallType type = static_cast<CallType>(block->callType);
+    if (entry == book.end()) {
+      CMCFG_TRACE(this, "UpdateContact: extension %s, adding contact %s.\n", name,
+                  block->name.c_str());
+      AddressBookEntry added(Contact(block->name, static_cast<int32_t>(id), type), SupServiceSet());
+      FillSupServiceSet(stored, added.second, static_cast<int>(id), gAllProperties);
+      book.push_back(added);
+    } else {
+      // Its services are re-read by UpdateSupServices, not here.
+      CMCFG_TRACE(this, "UpdateContact: extension %s, changing contact %s.\n", name,
+                  block->name.c_str());
+      entry->first.name = block->name;
+      entry->first.callType = type;
+    }
+    GroupAddressBook(book);
+  }
+  return 1;
+}
+
+int CMAgent::BlockContact(ExtensionData* extension, const std::string& number, CallType type,
+                          bool incoming) {
+  const int kAdded = 0, kPresent = 1, kFailed = 2;
+  if (extension == nullptr) return kFailed;
+  ExtensionFrame frame(this, CMCFG_FRAME_LINES("BlockContact"));
+  Extension* stored = frame.Find(extension->type, extension->name);
+  if (stored == nullptr) return kFailed;
+  stored->LoadProperty(kPropAddressPatterns);
+  AddressPatternParams* params = stored->GetAddressPatternParams();
+  const unsigned bit = incoming ? 0x002 : 0x004;
+  auto blocking = [incoming](SupServiceSet& set) -> CallBlockingData& {
+    return incoming ? set.incomingBlocking : set.outgoingBlocking;
+  };
+
+  std::list<AddressBookEntry>& book = extension->addressBook;
+  auto entry = std::find_if(book.begin(), book.end(), [&](const AddressBookEntry& e) {
+    return e.first.name == number && e.first.callType == type;
+  });
+  if (entry != book.end() && blocking(entry->second).active) return kPresent;
+
+  AddressPatternBlock* block = nullptr;
+  if (entry == book.end() && params != nullptr) {
+    block = params->CreateBlock();
+    block->name = number;
+    block->callType = type;
+    // On success the store keeps the block (its id may move past ids the
+    // file gained meanwhile); on failure it is gone.
+    if (stored->AddBlock(kPropAddressPatterns, block)) {
+      book.emplace_back(Contact(number, static_cast<int32_t>(block->id), type), SupServiceSet());
+      entry = std::prev(book.end());
+    } else {
+      block = nullptr;
+    }
+  } else if (entry != book.end() && params != nullptr) {
+    block = params->GetBlock(static_cast<unsigned long>(entry->first.id));
+  }
+  SupServAccessor* services = block ? params->GetSupServAccessor(block, true) : nullptr;
+  if (services == nullptr) {
+    CMCFG_TRACE(this, "BlockContact: failed to load supplementary service for extension %s.\n",
+                extension->name.c_str());
+    return kFailed;
+  }
+  services->Load(bit);
+  SSBlockCallParams& storedBlocking = incoming ? services->incomingBlocking
+                                               : services->outgoingBlocking;
+  storedBlocking.active = 1;
+  services->Store(bit);
+  blocking(entry->second).active = 1;
+  blocking(entry->second).blockMode = storedBlocking.blockMode;
+  CMCFG_TRACE(this, "BlockContact: extension %s, added contact %s to %s black list.\n",
+              extension->name.c_str(), number.c_str(), incoming ? "incoming" : "outgoing");
+  return kAdded;
+}
