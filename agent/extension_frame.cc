@@ -39,5 +39,5 @@ CHAttendant* ExtensionFrame::FindAttendant(const std::string& name, bool system,
 }
 
 void ExtensionFrame::Log(const char* line, const std::string& name) {
-  CMCFG_TRACE(agent_, line, name.c_str());
+  if (line != nullptr) CMCFG_TRACE(agent_, line, name.c_str());
 }

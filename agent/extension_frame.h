@@ -77,7 +77,8 @@ class ExtensionFrame {
     return stored ? Property(stored, name, property, block) : nullptr;
   }
 
-  // Logs one of the operation's lines (when the agent logs).
+  // Logs one of the operation's lines (when the agent logs); a null line
+  // is an operation's way of staying silent.
   void Log(const char* line, const std::string& name);
 
  private:
