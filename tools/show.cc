@@ -1,65 +1,14 @@
 #include "tools/show.h"
 
-#include <stdlib.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <cstring>
 #include <iomanip>
-#include <iterator>
 #include <ostream>
-#include <sys/stat.h>
 
 #include "cmcfg/cm_agent.h"
 #include "cmcfg/tone_type.h"
+#include "tools/format.h"
 
 namespace cmcfg_tool {
 namespace {
-
-const char* TypeName(ExtType type) {
-  switch (type) {
-    case kExtAttendant: return "attendant";
-    case kExtUser: return "user";
-    case kExtPickup: return "pickup";
-    case kExtCallPark: return "call park";
-    case kExtPaging: return "paging";
-  }
-  return "unknown";
-}
-
-std::string CodecNames(const std::list<CodecInfo>& codecs) {
-  std::string names;
-  for (const CodecInfo& codec : codecs) names += (names.empty() ? "" : ",") + codec.name;
-  return names.empty() ? "-" : names;
-}
-
-// "1,2,5-9": runs of three or more consecutive numbers as ranges.
-template <typename List>
-std::string Numbers(const List& numbers) {
-  std::string text;
-  for (auto it = numbers.begin(); it != numbers.end();) {
-    auto last = it;
-    size_t run = 1;
-    for (auto next = std::next(it); next != numbers.end() && *next == *last + 1; ++next, ++run)
-      last = next;
-    text += text.empty() ? "" : ",";
-    if (run >= 3) {
-      text += std::to_string(*it) + "-" + std::to_string(*last);
-      it = std::next(last);
-    } else {
-      text += std::to_string(*it);
-      ++it;
-    }
-  }
-  return text;
-}
-
-std::string CasText(const CASSettings& cas) {
-  std::string text;
-  for (const auto& span : cas.spans)
-    text += (text.empty() ? "" : ";") + std::to_string(span.first) + "/" + Numbers(span.second);
-  return text;
-}
 
 size_t EmptySlots(const CMAgent& agent) {
   size_t empty = 0;
@@ -67,26 +16,40 @@ size_t EmptySlots(const CMAgent& agent) {
   return empty;
 }
 
+std::string ExtensionCodecCounts(const ExtensionData& e) {
+  return CodecCounts(e.line.voiceCodecs.size(), e.line.fax.faxCodecs.size(),
+                     e.line.fax.faxTransparentCodecs.size(), e.line.modem.modemCodecs.size());
+}
+
+std::string AttendantCodecCounts(const Attendant& a) {
+  return CodecCounts(a.voiceCodecs.size(), a.faxCodecs.size(), a.faxTransparentCodecs.size(),
+                     a.modemCodecs.size());
+}
+
 void PrintExtensions(const CMAgent& agent, std::ostream& out) {
   out << "Extension table: " << agent.extensionBase.size() << " slots, " << EmptySlots(agent)
-      << " empty\n";
+      << " empty (codecs: voice/fax relay/fax in band/modem)\n";
   for (const ExtensionData* e : agent.extensionBase) {
     if (e == nullptr) continue;
     out << "  " << std::left << std::setw(8) << e->name << std::setw(10) << TypeName(e->type)
-        << " voice " << CodecNames(e->line.voiceCodecs);
-    if (!e->line.fax.faxCodecs.empty()) out << "  fax relay " << e->line.fax.faxCodecs.size();
-    if (!e->line.fax.faxTransparentCodecs.empty())
-      out << "  fax in band " << CodecNames(e->line.fax.faxTransparentCodecs);
-    if (!e->line.modem.modemCodecs.empty()) out << "  modem " << CodecNames(e->line.modem.modemCodecs);
+        << " sip " << SipText(e->sip.userName, e->sip.host, e->sip.port) << "  local "
+        << LocalEndpoint(e->line) << "  remote " << RemoteEndpoint(e->line) << "  codecs "
+        << ExtensionCodecCounts(*e);
     if (!e->fxo.channels.empty()) out << "  FXO " << Numbers(e->fxo.channels);
     if (!e->isdn.channels.empty()) out << "  ISDN " << Numbers(e->isdn.channels);
-    if (!e->cas.spans.empty()) out << "  CAS " << CasText(e->cas);
+    if (!e->cas.spans.empty()) out << "  CAS " << CasText(e->cas.spans);
     if (!e->description.empty()) out << "  \"" << e->description << "\"";
     out << "\n";
   }
   out << "Attendants: " << agent.attendants.size() << "\n";
-  for (const Attendant* a : agent.attendants)
-    if (a) out << "  " << std::left << std::setw(8) << a->name << " voice " << CodecNames(a->voiceCodecs) << "\n";
+  for (const Attendant* a : agent.attendants) {
+    if (a == nullptr) continue;
+    out << "  " << std::left << std::setw(8) << a->name << " sip "
+        << SipText(a->sip.userName, a->sip.host, a->sip.port) << "  codecs "
+        << AttendantCodecCounts(*a) << "  voice " << CodecNames(a->voiceCodecs);
+    if (!a->displayName.empty()) out << "  \"" << a->displayName << "\"";
+    out << "\n";
+  }
   const Attendant* system = agent.generalData.sysAttendant;
   out << "System attendant: " << (system ? system->name : std::string("none")) << "\n";
 }
@@ -153,14 +116,6 @@ void PrintTones(const CMAgent& agent, std::ostream& out) {
   }
 }
 
-nlohmann::json CodecJson(const std::list<CodecInfo>& codecs) {
-  nlohmann::json list = nlohmann::json::array();
-  for (const CodecInfo& c : codecs)
-    list.push_back({{"name", c.name}, {"rtp", c.rtpCodec}, {"dsp", c.dspCodec},
-                    {"rate", c.samplingRate}, {"flags", c.flags}});
-  return list;
-}
-
 nlohmann::json ExternalJson(const std::list<ExternalUserEntry>& users) {
   nlohmann::json list = nlohmann::json::array();
   for (const ExternalUserEntry& u : users)
@@ -169,50 +124,7 @@ nlohmann::json ExternalJson(const std::list<ExternalUserEntry>& users) {
   return list;
 }
 
-// Gives the tables' records back: the agent leaves them to its caller.
-void ReleaseTables(CMAgent& agent) {
-  for (size_t i = 0; i < agent.extensionBase.size(); ++i) agent.EraseExtension(i, true, false);
-  while (!agent.attendants.empty()) agent.EraseAttendant(agent.attendants.size() - 1);
-}
-
-class ScopedEnv {
- public:
-  ScopedEnv(const char* name, const std::string& value) : name_(name) {
-    if (const char* old = getenv(name)) old_ = old, had_ = true;
-    if (!value.empty()) setenv(name, value.c_str(), 1);
-  }
-  ~ScopedEnv() {
-    if (had_)
-      setenv(name_, old_.c_str(), 1);
-    else
-      unsetenv(name_);
-  }
-
- private:
-  const char* name_;
-  std::string old_;
-  bool had_ = false;
-};
-
 }  // namespace
-
-std::string ResolveRoot(const std::string& explicitRoot) {
-  std::string root = explicitRoot;
-  if (root.empty()) {
-    const char* env = getenv("ORBA_PATH");
-    root = env && *env ? env : "/etc/orba-conf/";
-  }
-  if (root.back() != '/') root += '/';
-  return root;
-}
-
-std::string CheckRoot(const std::string& root) {
-  struct stat st;
-  if (stat(root.c_str(), &st) != 0) return strerror(errno);
-  if (!S_ISDIR(st.st_mode)) return "not a directory";
-  if (access(root.c_str(), R_OK | X_OK) != 0) return strerror(errno);
-  return "";
-}
 
 void PrintSummary(const CMAgent& agent, std::ostream& out) {
   PrintExtensions(agent, out);
@@ -229,16 +141,36 @@ nlohmann::json SummaryJson(const CMAgent& agent) {
   j["empty_slots"] = EmptySlots(agent);
   for (const ExtensionData* e : agent.extensionBase) {
     if (e == nullptr) continue;
-    j["extensions"].push_back({{"name", e->name}, {"type", TypeName(e->type)},
-                               {"voice", CodecJson(e->line.voiceCodecs)},
-                               {"fax_relay", e->line.fax.faxCodecs.size()},
-                               {"fax_transparent", CodecJson(e->line.fax.faxTransparentCodecs)},
-                               {"modem", CodecJson(e->line.modem.modemCodecs)},
-                               {"fxo", e->fxo.channels}, {"isdn", e->isdn.channels},
-                               {"cas", CasText(e->cas)}});
+    j["extensions"].push_back(
+        {{"name", e->name},
+         {"type", TypeName(e->type)},
+         {"sip", SipJson(e->sip.userName, e->sip.host, e->sip.port)},
+         {"local", EndpointJson(LocalEndpoint(e->line))},
+         {"remote", EndpointJson(RemoteEndpoint(e->line))},
+         {"codec_counts",
+          {{"voice", e->line.voiceCodecs.size()},
+           {"fax_relay", e->line.fax.faxCodecs.size()},
+           {"fax_transparent", e->line.fax.faxTransparentCodecs.size()},
+           {"modem", e->line.modem.modemCodecs.size()}}},
+         {"voice", CodecJson(e->line.voiceCodecs)},
+         {"fax_relay", e->line.fax.faxCodecs.size()},
+         {"fax_transparent", CodecJson(e->line.fax.faxTransparentCodecs)},
+         {"modem", CodecJson(e->line.modem.modemCodecs)},
+         {"fxo", e->fxo.channels},
+         {"isdn", e->isdn.channels},
+         {"cas", CasText(e->cas.spans)}});
   }
-  for (const Attendant* a : agent.attendants)
-    if (a) j["attendants"].push_back({{"name", a->name}, {"voice", CodecJson(a->voiceCodecs)}});
+  for (const Attendant* a : agent.attendants) {
+    if (a == nullptr) continue;
+    j["attendants"].push_back({{"name", a->name},
+                               {"sip", SipJson(a->sip.userName, a->sip.host, a->sip.port)},
+                               {"codec_counts",
+                                {{"voice", a->voiceCodecs.size()},
+                                 {"fax_relay", a->faxCodecs.size()},
+                                 {"fax_transparent", a->faxTransparentCodecs.size()},
+                                 {"modem", a->modemCodecs.size()}}},
+                               {"voice", CodecJson(a->voiceCodecs)}});
+  }
   j["system_attendant"] = g.sysAttendant ? g.sysAttendant->name : "";
   j["general"] = {{"system_prefix", g.systemPrefix},
                   {"default_voice_codecs", CodecJson(g.defaultVoiceCodecs)},
@@ -269,22 +201,14 @@ nlohmann::json SummaryJson(const CMAgent& agent) {
 
 int RunShow(const ShowOptions& options, std::ostream& out, std::ostream& err) {
   const std::string root = ResolveRoot(options.root);
-  const std::string problem = CheckRoot(root);
-  if (!problem.empty()) {
-    err << "cmcfg: cannot read the configuration root " << root << ": " << problem << "\n";
-    return 2;
-  }
-  ScopedEnv rootEnv("ORBA_PATH", root);
-  ScopedEnv logEnv("CMCFG_LOG_DIR", options.logDir);
-  CMAgent agent;
-  agent.Destroy();
-  if (options.json)
-    out << SummaryJson(agent).dump(2) << "\n";
-  else {
+  if (!RootIsUsable(root, err)) return 2;
+  AgentSession session(root, options.logDir);
+  if (options.json) {
+    out << SummaryJson(session.agent()).dump(2) << "\n";
+  } else {
     out << "Configuration root: " << root << "\n";
-    PrintSummary(agent, out);
+    PrintSummary(session.agent(), out);
   }
-  ReleaseTables(agent);
   return 0;
 }
 

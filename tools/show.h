@@ -6,27 +6,28 @@
 
 #include <nlohmann/json.hpp>
 
+#include "tools/session.h"
+
 class CMAgent;
 
 namespace cmcfg_tool {
 
+// Options of "cmcfg show".
 struct ShowOptions {
   std::string root;    // "" : "ORBA_PATH", else the built-in default
   std::string logDir;  // "" : relative logs go to the current directory
   bool json = false;
 };
 
-// The root to use, always ending in "/" (the agent joins names to it
-// without a separator).
-std::string ResolveRoot(const std::string& explicitRoot);
-// "" when the root is a folder we can read, else why not.
-std::string CheckRoot(const std::string& root);
-
-// The human summary and its JSON form, of an agent that has been loaded.
+// The human summary of an agent that has been loaded: every extension with
+// its SIP address, FXS endpoints and codec counts, the attendants, the
+// general data, call records, users and tones.
 void PrintSummary(const CMAgent& agent, std::ostream& out);
+// The same summary as one JSON object.
 nlohmann::json SummaryJson(const CMAgent& agent);
 
-// "cmcfg show": 0 when the summary was printed, 2 when the root is not usable.
+// "cmcfg show": 0 when the summary was printed, 2 (and one line on err)
+// when the root is not usable.
 int RunShow(const ShowOptions& options, std::ostream& out, std::ostream& err);
 
 }  // namespace cmcfg_tool

@@ -1,0 +1,66 @@
+#ifndef CMCFG_TESTS_TOOLS_TOOL_TEST_UTIL_H_
+#define CMCFG_TESTS_TOOLS_TOOL_TEST_UTIL_H_
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace tool_testing {
+
+// The bundled example configuration of the source tree.
+inline std::string Examples() { return CMCFG_EXAMPLES_DIR; }
+
+inline std::vector<std::string> Lines(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream in(text);
+  for (std::string line; std::getline(in, line);) lines.push_back(line);
+  return lines;
+}
+
+// The value of the row "  LABEL   value" that follows the heading line
+// starting with `heading`, before the next heading (a line that does not
+// start with a blank); "<none>" when there is no such row.
+inline std::string Value(const std::string& text, const std::string& heading,
+                         const std::string& label) {
+  bool inside = false;
+  for (const std::string& line : Lines(text)) {
+    if (!line.empty() && line[0] != ' ') {
+      inside = line.compare(0, heading.size(), heading) == 0;
+      continue;
+    }
+    if (!inside || line.compare(0, label.size() + 3, "  " + label + " ") != 0) continue;
+    size_t start = line.find_first_not_of(' ', label.size() + 2);
+    return start == std::string::npos ? "" : line.substr(start);
+  }
+  return "<none>";
+}
+
+// The lines from the heading starting with `heading` up to the next
+// heading, the heading excluded.
+inline std::vector<std::string> Block(const std::string& text, const std::string& heading) {
+  std::vector<std::string> block;
+  bool inside = false;
+  for (const std::string& line : Lines(text)) {
+    if (!line.empty() && line[0] != ' ') {
+      inside = line.compare(0, heading.size(), heading) == 0;
+      continue;
+    }
+    if (inside) block.push_back(line);
+  }
+  return block;
+}
+
+// The failure lines of an agent log: what a loader writes when it cannot
+// read what it was asked for.
+inline std::vector<std::string> FailureLines(const std::string& log) {
+  std::vector<std::string> failures;
+  for (const std::string& line : Lines(log))
+    if (line.find("failed to") != std::string::npos || line.find("missing") != std::string::npos ||
+        line.find("wrong type") != std::string::npos)
+      failures.push_back(line);
+  return failures;
+}
+
+}  // namespace tool_testing
+
+#endif  // CMCFG_TESTS_TOOLS_TOOL_TEST_UTIL_H_

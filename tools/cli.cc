@@ -1,0 +1,45 @@
+#include "tools/cli.h"
+
+#include <CLI/CLI.hpp>
+#include <ostream>
+
+#include "tools/ext.h"
+#include "tools/show.h"
+
+namespace cmcfg_tool {
+namespace {
+
+void AddCommonOptions(CLI::App* verb, std::string* root, std::string* logDir, bool* json) {
+  verb->add_option("--root", *root,
+                   "Configuration root (default: $ORBA_PATH, else /etc/orba-conf/)");
+  verb->add_option("--log-dir", *logDir, "Folder for cmcfg.log (default: the current directory)");
+  verb->add_flag("--json", *json, "Print JSON instead of text");
+}
+
+}  // namespace
+
+int RunCommandLine(int argc, const char* const* argv, std::ostream& out, std::ostream& err) {
+  CLI::App app{"cmcfg - inspect the configuration agent's view of a configuration root"};
+  app.require_subcommand(1);
+
+  ShowOptions show;
+  CLI::App* showCmd = app.add_subcommand("show", "Load the configuration and print a summary");
+  AddCommonOptions(showCmd, &show.root, &show.logDir, &show.json);
+
+  ExtOptions ext;
+  CLI::App* extCmd =
+      app.add_subcommand("ext", "Load the configuration and print one extension or attendant");
+  extCmd->add_option("name", ext.name, "Extension or attendant name")->required();
+  AddCommonOptions(extCmd, &ext.root, &ext.logDir, &ext.json);
+
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& e) {
+    return app.exit(e, out, err);
+  }
+  if (*showCmd) return RunShow(show, out, err);
+  if (*extCmd) return RunExt(ext, out, err);
+  return 1;
+}
+
+}  // namespace cmcfg_tool
