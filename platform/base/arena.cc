@@ -16,7 +16,8 @@ const size_t kHugePage = size_t{2} << 20;
 
 }  // namespace
 
-Arena::Arena(size_t expected) : next_chunk_size_(std::max(expected, kSmallChunk)) {}
+Arena::Arena(size_t expected, Memory memory)
+    : next_chunk_size_(std::max(expected, kSmallChunk)), memory_(memory) {}
 
 Arena::~Arena() {
   for (const Chunk& c : chunks_) {
@@ -42,7 +43,7 @@ void Arena::NewChunk(size_t at_least) {
   size_t size = std::max(next_chunk_size_, at_least);
   next_chunk_size_ = std::min(size * 2, size_t{1} << 30);
   Chunk chunk{nullptr, 0, nullptr, size, false};
-  if (size >= kMappedChunk) {
+  if (memory_ == Memory::kMapLarge && size >= kMappedChunk) {
     // Huge pages need 2 MB alignment: map one page more and start aligned.
     size = (size + kHugePage - 1) & ~(kHugePage - 1);
     size_t mapped = size + kHugePage;
@@ -61,6 +62,12 @@ void Arena::NewChunk(size_t at_least) {
   chunks_.push_back(chunk);
   next_ = chunk.data;
   end_ = chunk.data + chunk.size;
+}
+
+size_t Arena::mapped_chunks() const {
+  size_t mapped = 0;
+  for (const Chunk& c : chunks_) mapped += c.mapped ? 1 : 0;
+  return mapped;
 }
 
 }  // namespace cfg

@@ -12,11 +12,23 @@ namespace cfg {
 // Bump allocation for the index of a parsed document, freed all at once
 // with the arena. Large documents get their memory in big chunks backed by
 // huge pages where the system offers them: building the index of a 40 MB
-// file otherwise costs more in page faults than in parsing.
+// file otherwise costs more in page faults than in parsing. Small documents
+// stay on the heap, where a chunk costs no system call.
 class Arena {
  public:
+  // Where chunks come from. kHeapOnly: always the heap (operator new);
+  // kMapLarge: chunks of 4 MiB and more are mapped on their own and offered
+  // huge pages, smaller ones come from the heap.
+  enum class Memory { kHeapOnly, kMapLarge };
+
+  // Texts below this size are small: their arena is kHeapOnly. The text and
+  // its tables (about 2.5 times the text) then fit in less than the couple
+  // of 2 MiB huge pages a mapping would round up to, so mapping cannot pay,
+  // and reading a small file costs no mmap, madvise or munmap.
+  static constexpr size_t kSmallText = size_t{1} << 20;
+
   // `expected`: bytes the owner expects to need; sizes the first chunk.
-  explicit Arena(size_t expected = 0);
+  explicit Arena(size_t expected = 0, Memory memory = Memory::kMapLarge);
   ~Arena();
   Arena(const Arena&) = delete;
   Arena& operator=(const Arena&) = delete;
@@ -24,10 +36,16 @@ class Arena {
   void* Allocate(size_t bytes, size_t align);
 
   // The arena for a document of `text_bytes`: room for the text itself and
-  // for the section and entry tables, which take about half as much again.
+  // for the section and entry tables, which take about half as much again;
+  // kHeapOnly below kSmallText.
   static std::unique_ptr<Arena> ForText(size_t text_bytes) {
-    return std::unique_ptr<Arena>(new Arena(text_bytes + text_bytes * 3 / 2 + 256));
+    return std::unique_ptr<Arena>(
+        new Arena(text_bytes + text_bytes * 3 / 2 + 256,
+                  text_bytes < kSmallText ? Memory::kHeapOnly : Memory::kMapLarge));
   }
+
+  // Chunks obtained by mapping so far (for tests and measurements).
+  size_t mapped_chunks() const;
 
  private:
   struct Chunk {
@@ -43,6 +61,7 @@ class Arena {
   char* next_ = nullptr;
   char* end_ = nullptr;
   size_t next_chunk_size_;
+  Memory memory_;
 };
 
 // A standard allocator over an Arena; without one it is the global heap.

@@ -21,6 +21,12 @@ FileSystem*& Installed() {
 
 }  // namespace
 
+bool FileInfo::SameVersion(const FileInfo& other) const {
+  return kind == other.kind && device == other.device && inode == other.inode &&
+         size == other.size && mtime_sec == other.mtime_sec && mtime_nsec == other.mtime_nsec &&
+         ctime_sec == other.ctime_sec && ctime_nsec == other.ctime_nsec;
+}
+
 FileSystem::~FileSystem() = default;
 
 FileSystem* FileSystem::Default() {
@@ -61,6 +67,23 @@ Status FileSystem::ReadFileToArena(const std::string& path, std::unique_ptr<Aren
   char* copy = static_cast<char*>((*arena)->Allocate(text.size() + 1, 1));
   text.copy(copy, text.size());
   *contents = std::string_view(copy, text.size());
+  return s;
+}
+
+Status FileSystem::ListDirEntries(const std::string& path, std::vector<DirEntry>* entries) {
+  std::vector<std::string> names;
+  Status s = ListDir(path, &names);
+  if (!s.ok()) return s;
+  std::string prefix = path;
+  if (!prefix.empty() && prefix.back() != '/') prefix += '/';
+  entries->clear();
+  for (std::string& name : names) {
+    FileInfo info;
+    DirEntry entry;
+    if (Stat(prefix + name, &info).ok()) entry.kind = info.kind;
+    entry.name = std::move(name);
+    entries->push_back(std::move(entry));
+  }
   return s;
 }
 

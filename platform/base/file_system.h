@@ -1,6 +1,7 @@
 #ifndef CMCFG_PLATFORM_BASE_FILE_SYSTEM_H_
 #define CMCFG_PLATFORM_BASE_FILE_SYSTEM_H_
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -12,6 +13,37 @@
 #include "platform/base/status.h"
 
 namespace cfg {
+
+// What stat tells about a path: its kind and what identifies the version of
+// the file that is there now.
+struct FileInfo {
+  enum Kind { kRegular, kDirectory, kOther };
+  Kind kind = kOther;
+  uint64_t device = 0;
+  uint64_t inode = 0;
+  uint64_t size = 0;
+  int64_t mtime_sec = 0;   // last modification
+  int64_t mtime_nsec = 0;
+  int64_t ctime_sec = 0;   // last change of contents or metadata
+  int64_t ctime_nsec = 0;
+
+  // True when both describe the same version of the same file: kind,
+  // device, inode, size and both times (with nanoseconds) agree. An atomic
+  // save gives the path a new inode and a rewrite in place a new time, but
+  // only at the file system's timestamp granularity (a kernel tick, or
+  // coarser): a same-size rewrite in the tick of the previous change can
+  // look the same. A caller that keeps data by version must treat a file
+  // changed less than a tick before it looked as not settled.
+  bool SameVersion(const FileInfo& other) const;
+};
+
+// One entry of a folder listing. kOther covers what is neither a regular
+// file nor a folder (FIFOs, sockets, devices, dangling links); a symbolic
+// link counts as what it points to.
+struct DirEntry {
+  std::string name;
+  FileInfo::Kind kind = FileInfo::kOther;
+};
 
 // Every file access of the store goes through this interface, so a test can
 // put a fault-injecting version underneath (a write that fails half-way, a
@@ -44,9 +76,18 @@ class FileSystem {
 
   virtual bool FileExists(const std::string& path) = 0;   // a regular file
   virtual bool DirExists(const std::string& path) = 0;
+  // What is at `path`, following symbolic links. NotFound when nothing is
+  // there; IOError when it cannot be examined (*info is then unchanged).
+  virtual Status Stat(const std::string& path, FileInfo* info) = 0;
   virtual Status CreateDirs(const std::string& path) = 0;
   // Names of the entries of a folder (no "." or ".."), unsorted.
   virtual Status ListDir(const std::string& path, std::vector<std::string>* names) = 0;
+  // The same with each entry's kind. The POSIX version takes the kind from
+  // the folder itself where the file system records it, so a listing costs
+  // no system call per entry (a stat only for links and file systems that
+  // do not record kinds). The default lists with ListDir and stats each
+  // entry.
+  virtual Status ListDirEntries(const std::string& path, std::vector<DirEntry>* entries);
   virtual Status RemoveFile(const std::string& path) = 0;
 };
 

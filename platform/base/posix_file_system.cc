@@ -41,11 +41,14 @@ Status ReadAll(int fd, const std::string& path, size_t size_hint, std::string* c
   size_t used = 0;
   for (;;) {
     if (used == data.size()) data.resize(data.size() * 2 + 4096);
-    ssize_t n = read(fd, &data[used], data.size() - used);
+    size_t wanted = data.size() - used;
+    ssize_t n = read(fd, &data[used], wanted);
     if (n < 0 && errno == EINTR) continue;
     if (n < 0) return ErrnoStatus("cannot read " + path, errno);
     if (n == 0) break;
     used += static_cast<size_t>(n);
+    // A regular file reads short only at its end.
+    if (static_cast<size_t>(n) < wanted && used == size_hint) break;
   }
   data.resize(used);
   contents->swap(data);
@@ -111,7 +114,8 @@ Status PosixFileSystem::ReadFileToArena(const std::string& path, std::unique_ptr
   char* data = static_cast<char*>(fresh->Allocate(size + 1, 1));
   size_t used = 0;
   while (used <= size) {
-    ssize_t n = read(fd, data + used, size + 1 - used);
+    size_t wanted = size + 1 - used;
+    ssize_t n = read(fd, data + used, wanted);
     if (n < 0 && errno == EINTR) continue;
     if (n < 0) {
       s = ErrnoStatus("cannot read " + path, errno);
@@ -119,6 +123,8 @@ Status PosixFileSystem::ReadFileToArena(const std::string& path, std::unique_ptr
     }
     if (n == 0) break;
     used += static_cast<size_t>(n);
+    // A regular file reads short only at its end: all `size` bytes are in.
+    if (static_cast<size_t>(n) < wanted && used == size) break;
   }
   close(fd);
   if (!s.ok()) return s;
@@ -187,6 +193,31 @@ bool PosixFileSystem::DirExists(const std::string& path) {
   return stat(path.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
 }
 
+namespace {
+
+FileInfo::Kind KindOf(mode_t mode) {
+  if (S_ISREG(mode)) return FileInfo::kRegular;
+  return S_ISDIR(mode) ? FileInfo::kDirectory : FileInfo::kOther;
+}
+
+}  // namespace
+
+Status PosixFileSystem::Stat(const std::string& path, FileInfo* info) {
+  struct stat st;
+  if (stat(path.c_str(), &st) != 0) return ErrnoStatus("cannot stat " + path, errno);
+  FileInfo out;
+  out.kind = KindOf(st.st_mode);
+  out.device = static_cast<uint64_t>(st.st_dev);
+  out.inode = static_cast<uint64_t>(st.st_ino);
+  out.size = static_cast<uint64_t>(st.st_size);
+  out.mtime_sec = static_cast<int64_t>(st.st_mtim.tv_sec);
+  out.mtime_nsec = static_cast<int64_t>(st.st_mtim.tv_nsec);
+  out.ctime_sec = static_cast<int64_t>(st.st_ctim.tv_sec);
+  out.ctime_nsec = static_cast<int64_t>(st.st_ctim.tv_nsec);
+  *info = out;
+  return Status::OK();
+}
+
 Status PosixFileSystem::CreateDirs(const std::string& path) {
   if (path.empty()) return Status::InvalidArgument("empty path");
   for (size_t pos = 1; pos <= path.size(); ++pos) {
@@ -206,6 +237,33 @@ Status PosixFileSystem::ListDir(const std::string& path, std::vector<std::string
   while (struct dirent* entry = readdir(dir)) {
     std::string name = entry->d_name;
     if (name != "." && name != "..") names->push_back(std::move(name));
+  }
+  closedir(dir);
+  return Status::OK();
+}
+
+Status PosixFileSystem::ListDirEntries(const std::string& path, std::vector<DirEntry>* entries) {
+  DIR* dir = opendir(path.c_str());
+  if (dir == nullptr) return ErrnoStatus("cannot list " + path, errno);
+  entries->clear();
+  while (struct dirent* found = readdir(dir)) {
+    DirEntry entry;
+    entry.name = found->d_name;
+    if (entry.name == "." || entry.name == "..") continue;
+    switch (found->d_type) {
+      case DT_REG: entry.kind = FileInfo::kRegular; break;
+      case DT_DIR: entry.kind = FileInfo::kDirectory; break;
+      case DT_LNK:
+      case DT_UNKNOWN: {
+        // A link counts as what it points to; some file systems record no
+        // kinds at all.
+        struct stat st;
+        if (fstatat(dirfd(dir), found->d_name, &st, 0) == 0) entry.kind = KindOf(st.st_mode);
+        break;
+      }
+      default: break;  // FIFOs, sockets, devices
+    }
+    entries->push_back(std::move(entry));
   }
   closedir(dir);
   return Status::OK();

@@ -16,13 +16,20 @@ namespace cfg {
 class PosixFileSystem : public FileSystem {
  public:
   Status ReadFile(const std::string& path, std::string* contents) override;
+  // A file below Arena::kSmallText costs open, fstat, one read and close:
+  // the read asks for one byte more than the size, and coming back short it
+  // has reached the end (a second read happens only when the file changed
+  // size meanwhile). Its arena is heap-only. Larger files get an arena with
+  // mapped chunks.
   Status ReadFileToArena(const std::string& path, std::unique_ptr<Arena>* arena,
                          std::string_view* contents) override;
   Status WriteFileAtomic(const std::string& path, std::string_view contents) override;
   bool FileExists(const std::string& path) override;
   bool DirExists(const std::string& path) override;
+  Status Stat(const std::string& path, FileInfo* info) override;
   Status CreateDirs(const std::string& path) override;
   Status ListDir(const std::string& path, std::vector<std::string>* names) override;
+  Status ListDirEntries(const std::string& path, std::vector<DirEntry>* entries) override;
   Status RemoveFile(const std::string& path) override;
 
  protected:

@@ -9,16 +9,6 @@ namespace {
 
 const unsigned kAllServices = 0x3FF;
 
-// The id of a contact's own section ("contact 12"), or false for any other
-// section (a service section has a third word).
-bool ContactId(std::string_view name, unsigned long* id) {
-  static const std::string_view kPrefix = "contact ";
-  if (name.size() <= kPrefix.size() || name.substr(0, kPrefix.size()) != kPrefix) return false;
-  std::string_view rest = name.substr(kPrefix.size());
-  if (rest.find(' ') != std::string_view::npos) return false;
-  return blocks::ParseValue(rest, id);
-}
-
 void ResetServices(unsigned mask, SupServAccessor* a) {
   if (mask & 0x001) a->clir = SSClirParams();
   if (mask & 0x002) a->incomingBlocking = SSBlockCallParams();
@@ -47,6 +37,14 @@ void ResetServices(unsigned mask, SupServAccessor* a) {
 }
 
 }  // namespace
+
+bool extdb::ContactId(std::string_view name, unsigned long* id) {
+  static const std::string_view kPrefix = "contact ";
+  if (name.size() <= kPrefix.size() || name.substr(0, kPrefix.size()) != kPrefix) return false;
+  std::string_view rest = name.substr(kPrefix.size());
+  if (rest.find(' ') != std::string_view::npos) return false;
+  return blocks::ParseValue(rest, id);
+}
 
 AddressPatternParams::AddressPatternParams() : rep_(new Rep) {}
 
@@ -77,7 +75,7 @@ void AddressPatternParams::Refresh() {
   std::set<unsigned long> seen;
   for (const cfg::Section& section : doc.sections()) {
     unsigned long id = 0;
-    if (!ContactId(section.name, &id) || !seen.insert(id).second) continue;
+    if (!extdb::ContactId(section.name, &id) || !seen.insert(id).second) continue;
     AddressPatternBlock* block = GetBlock(id);
     if (block == nullptr) {
       rep_->blocks.emplace_back(new AddressPatternBlock);

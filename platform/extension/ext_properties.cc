@@ -137,23 +137,59 @@ const Field<AttGeneralParams> kAttendantFields[] = {
     {"tos_profile", &AttGeneralParams::tosProfile},
 };
 
-// The block of a section, or nullptr when the file has no such section.
+// The section of each property that has one section.
+struct PropertySection {
+  unsigned property;
+  const char* name;
+};
+const PropertySection kPropertySections[] = {
+    {kPropSipSettings, "sip"},
+    {kPropPersonalInfo, "personal"},
+    {kPropServices, "services"},
+    {kPropTimeouts, "timeouts"},
+    {kPropCodecs, "codecs"},
+    {kPropServiceCodes, "service_codes"},
+    {kPropPstnAgent, "pstn_agent"},
+    {kPropCallPark, "call_park"},
+    {kPropAccessList, "access_list"},
+    {kPropPickupGroup, "pickup_group"},
+    {kPropBusyRedial, "busy_redial"},
+    {kPropAutoCall, "auto_call"},
+    {kPropAttendantGeneral, "attendant"},
+    {kPropAttendantConsole, "attendant"},  // one section serves both
+};
+
+// The section of a one-section property in the file, or nullptr.
+const cfg::Section* SectionOf(const cfg::Document& doc, unsigned property) {
+  for (const PropertySection& known : kPropertySections)
+    if (known.property == property) return doc.Find(known.name);
+  return nullptr;
+}
+
+bool HasPrefixedSection(const cfg::Document& doc, std::string_view prefix) {
+  for (const cfg::Section& section : doc.sections())
+    if (section.name.size() > prefix.size() && section.name.substr(0, prefix.size()) == prefix)
+      return true;
+  return false;
+}
+
+// The block of a property: its section's values, or the defaults when the
+// file has no such section.
 template <typename Block, size_t N>
-std::unique_ptr<Block> Decode(const cfg::Document& doc, const char* name, unsigned property,
+std::unique_ptr<Block> Decode(const cfg::Document& doc, unsigned property,
                               const Field<Block> (&fields)[N]) {
-  const cfg::Section* section = doc.Find(name);
-  if (section == nullptr) return nullptr;
   std::unique_ptr<Block> block(new Block);
   block->property = property;
-  ReadFields(*section, fields, block.get());
+  const cfg::Section* section = SectionOf(doc, property);
+  if (section != nullptr) ReadFields(*section, fields, block.get());
   return block;
 }
 
 std::unique_ptr<ExtServiceCodesParams> DecodeServiceCodes(const cfg::Document& doc) {
-  const cfg::Section* section = doc.Find("service_codes");
-  if (section == nullptr) return nullptr;
   std::unique_ptr<ExtServiceCodesParams> block(new ExtServiceCodesParams);
   block->property = kPropServiceCodes;
+  const cfg::Section* section = SectionOf(doc, kPropServiceCodes);
+  if (section == nullptr) return block;
   for (int i = 0; i < ExtServiceCodesParams::kCount; ++i) {
     const cfg::Entry* entry = section->Find("code_" + std::to_string(i + 1));
     if (entry != nullptr) block->codes[i] = std::string(entry->value);
@@ -162,10 +198,10 @@ std::unique_ptr<ExtServiceCodesParams> DecodeServiceCodes(const cfg::Document& d
 }
 
 std::unique_ptr<AccessListParams> DecodeAccessList(const cfg::Document& doc) {
-  const cfg::Section* section = doc.Find("access_list");
-  if (section == nullptr) return nullptr;
   std::unique_ptr<AccessListParams> block(new AccessListParams);
   block->property = kPropAccessList;
+  const cfg::Section* section = SectionOf(doc, kPropAccessList);
+  if (section == nullptr) return block;
   // "entry_N = priority,enabled,type,address"
   ForNumberedKeys(*section, "entry_", [&](std::string_view value) {
     size_t comma = value.find(',');
@@ -178,11 +214,13 @@ std::unique_ptr<AccessListParams> DecodeAccessList(const cfg::Document& doc) {
   return block;
 }
 
+const char kSpeedDialPrefix[] = "speed_dial ";
+
 void DecodeSpeedDial(const cfg::Document& doc, Extension::Rep* rep) {
   // Entries handed out before stay alive until the extension goes.
   for (auto& block : rep->speedDial) rep->retiredSpeedDial.push_back(std::move(block));
   rep->speedDial.clear();
-  static const std::string kPrefix = "speed_dial ";
+  const std::string_view kPrefix = kSpeedDialPrefix;
   for (const cfg::Section& section : doc.sections()) {
     if (section.name.size() <= kPrefix.size() || section.name.substr(0, kPrefix.size()) != kPrefix)
       continue;
@@ -204,41 +242,44 @@ void DecodeProperties(const cfg::Document& doc, unsigned mask, Extension::Rep* r
   // reload stay valid.
   auto assign = [&](unsigned property, auto& slot, auto decode) {
     if (!(mask & property)) return;
-    rep->present &= ~property;
     auto fresh = decode();
-    if (fresh == nullptr) return;
     if (slot) {
       *slot = *fresh;
     } else {
       slot = std::move(fresh);
     }
-    rep->present |= property;
   };
-  assign(kPropSipSettings, rep->sip, [&] { return Decode(doc, "sip", kPropSipSettings, kSipFields); });
+  assign(kPropSipSettings, rep->sip, [&] { return Decode(doc, kPropSipSettings, kSipFields); });
   assign(kPropPersonalInfo, rep->personal,
-         [&] { return Decode(doc, "personal", kPropPersonalInfo, kPersonalFields); });
-  assign(kPropServices, rep->services,
-         [&] { return Decode(doc, "services", kPropServices, kServicesFields); });
-  assign(kPropTimeouts, rep->timeouts,
-         [&] { return Decode(doc, "timeouts", kPropTimeouts, kTimeoutsFields); });
-  assign(kPropCodecs, rep->codecs, [&] { return Decode(doc, "codecs", kPropCodecs, kCodecFields); });
+         [&] { return Decode(doc, kPropPersonalInfo, kPersonalFields); });
+  assign(kPropServices, rep->services, [&] { return Decode(doc, kPropServices, kServicesFields); });
+  assign(kPropTimeouts, rep->timeouts, [&] { return Decode(doc, kPropTimeouts, kTimeoutsFields); });
+  assign(kPropCodecs, rep->codecs, [&] { return Decode(doc, kPropCodecs, kCodecFields); });
   assign(kPropServiceCodes, rep->serviceCodes, [&] { return DecodeServiceCodes(doc); });
   assign(kPropPstnAgent, rep->pstnAgent,
-         [&] { return Decode(doc, "pstn_agent", kPropPstnAgent, kPstnAgentFields); });
-  assign(kPropCallPark, rep->callPark,
-         [&] { return Decode(doc, "call_park", kPropCallPark, kCallParkFields); });
+         [&] { return Decode(doc, kPropPstnAgent, kPstnAgentFields); });
+  assign(kPropCallPark, rep->callPark, [&] { return Decode(doc, kPropCallPark, kCallParkFields); });
   assign(kPropAccessList, rep->accessList, [&] { return DecodeAccessList(doc); });
   assign(kPropPickupGroup, rep->pickupGroup,
-         [&] { return Decode(doc, "pickup_group", kPropPickupGroup, kPickupFields); });
+         [&] { return Decode(doc, kPropPickupGroup, kPickupFields); });
   assign(kPropBusyRedial, rep->busyRedial,
-         [&] { return Decode(doc, "busy_redial", kPropBusyRedial, kBusyRedialFields); });
-  assign(kPropAutoCall, rep->autoCall,
-         [&] { return Decode(doc, "auto_call", kPropAutoCall, kAutoCallFields); });
+         [&] { return Decode(doc, kPropBusyRedial, kBusyRedialFields); });
+  assign(kPropAutoCall, rep->autoCall, [&] { return Decode(doc, kPropAutoCall, kAutoCallFields); });
   // One section serves both attendant properties.
   assign(kPropAttendantGeneral | kPropAttendantConsole, rep->attendant,
-         [&] { return Decode(doc, "attendant", kPropAttendantGeneral, kAttendantFields); });
+         [&] { return Decode(doc, kPropAttendantGeneral, kAttendantFields); });
   if (mask & kPropSpeedDial) DecodeSpeedDial(doc, rep);
 }
 
+bool HasPropertySection(const cfg::Document& doc, unsigned property) {
+  if (property == kPropSpeedDial) return HasPrefixedSection(doc, kSpeedDialPrefix);
+  if (property == kPropAddressPatterns) {
+    unsigned long id = 0;
+    for (const cfg::Section& section : doc.sections())
+      if (ContactId(section.name, &id)) return true;
+    return false;
+  }
+  return SectionOf(doc, property) != nullptr;
+}
 
 }  // namespace extdb

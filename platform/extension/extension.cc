@@ -5,8 +5,9 @@
 
 bool Extension::Rep::Read() {
   cfg::Document fresh;
-  if (!cfg::LoadDocument(path, &fresh).ok()) return false;
-  doc = std::move(fresh);
+  readable = cfg::LoadDocument(path, &fresh).ok();
+  doc = std::move(fresh);  // empty after a failed read: nothing stale is decoded
+  if (!readable) return false;
   const cfg::Section* section = doc.Find(extdb::kExtensionSection);
   const cfg::Entry* description = section ? section->Find("description") : nullptr;
   text = description ? std::string(description->value) : std::string();
@@ -22,6 +23,7 @@ ExtType Extension::GetType() const { return rep_->type; }
 const std::string& Extension::GetText() const { return rep_->text; }
 
 bool Extension::LoadProperty(unsigned mask) {
+  if (!rep_->readable) return false;
   extdb::DecodeProperties(rep_->doc, mask & ~rep_->loaded, rep_.get());
   if ((mask & kPropAddressPatterns) && !(rep_->loaded & kPropAddressPatterns)) {
     if (rep_->addressBook == nullptr) {
@@ -35,17 +37,23 @@ bool Extension::LoadProperty(unsigned mask) {
 }
 
 bool Extension::ReloadProperty(unsigned mask) {
-  if (!rep_->Read()) return false;
   // Blocks are refreshed in place: pointers handed out earlier stay valid.
+  // When the file is gone they stay allocated but are no longer served.
   rep_->loaded &= ~mask;
+  if (!rep_->Read()) return false;
   return LoadProperty(mask);
+}
+
+bool Extension::HasSection(unsigned property) const {
+  return extdb::HasPropertySection(rep_->doc, property);
 }
 
 namespace {
 
+// Loaded properties always have their block (defaults for an absent section).
 template <typename Block>
 Block* Loaded(const Extension::Rep& rep, unsigned property, const std::unique_ptr<Block>& block) {
-  return (rep.loaded & rep.present & property) ? block.get() : nullptr;
+  return (rep.loaded & property) ? block.get() : nullptr;
 }
 
 }  // namespace

@@ -80,18 +80,19 @@ bool ExtensionManagerBase::GetAllExtensionsNames(ExtType type, std::list<std::st
   const char* folder = extdb::KindFolder(type);
   if (folder == nullptr) return false;
   const std::string dir = path_ + folder + "/";
-  cfg::FileSystem* fs = cfg::FileSystem::Default();
-  std::vector<std::string> files;
-  if (!fs->ListDir(dir, &files).ok()) return false;
+  // The listing tells regular files from the rest: no stat per file.
+  std::vector<cfg::DirEntry> entries;
+  if (!cfg::FileSystem::Default()->ListDirEntries(dir, &entries).ok()) return false;
   std::vector<std::string> found;
-  for (const std::string& file : files) {
+  for (const cfg::DirEntry& entry : entries) {
+    const std::string& file = entry.name;
     if (file.size() <= extdb::kSuffixLength ||
         file.compare(file.size() - extdb::kSuffixLength, extdb::kSuffixLength, extdb::kFileSuffix) != 0)
       continue;
     std::string name = file.substr(0, file.size() - extdb::kSuffixLength);
     // Temporary and lock files of a save in progress never end in ".cfg";
     // folders and other odd entries are no extensions either.
-    if (!extdb::IsValidName(name) || !fs->FileExists(dir + file)) continue;
+    if (!extdb::IsValidName(name) || entry.kind != cfg::FileInfo::kRegular) continue;
     found.push_back(std::move(name));
   }
   std::sort(found.begin(), found.end(), extdb::NaturalLess);
@@ -101,7 +102,9 @@ bool ExtensionManagerBase::GetAllExtensionsNames(ExtType type, std::list<std::st
 
 struct ExtensionManager::Rep {
   bool preload = false;
-  std::map<std::pair<int, std::string>, std::unique_ptr<Extension>> extensions;
+  // The kept extensions, most recently fetched first. A handful: a linear
+  // search beats any index.
+  std::list<std::unique_ptr<Extension>> kept;
 };
 
 ExtensionManager::ExtensionManager(const std::string& path, bool preload)
@@ -114,19 +117,23 @@ ExtensionManager::~ExtensionManager() = default;
 Extension* ExtensionManager::GetExtension(ExtType type, const std::string& name, bool preloadAll) {
   const char* folder = extdb::KindFolder(type);
   if (folder == nullptr || !extdb::IsValidName(name)) return nullptr;
-  auto key = std::make_pair(static_cast<int>(type), name);
-  auto it = rep_->extensions.find(key);
-  Extension* extension = it == rep_->extensions.end() ? nullptr : it->second.get();
-  if (extension == nullptr) {
+  std::list<std::unique_ptr<Extension>>& kept = rep_->kept;
+  auto it = std::find_if(kept.begin(), kept.end(), [&](const std::unique_ptr<Extension>& e) {
+    return e->rep_->type == type && e->rep_->name == name;
+  });
+  if (it != kept.end()) {
+    kept.splice(kept.begin(), kept, it);
+  } else {
     std::unique_ptr<Extension> fresh(type == kExtAttendant ? new CHAttendant : new Extension);
     fresh->rep_->name = name;
     fresh->rep_->type = type;
     fresh->rep_->path = path_ + folder + "/" + name + ".cfg";
     // The file is read here, once; properties are decoded from memory.
     if (!fresh->rep_->Read()) return nullptr;
-    extension = fresh.get();
-    rep_->extensions[key] = std::move(fresh);
+    kept.push_front(std::move(fresh));
+    if (kept.size() > kKeptExtensions) kept.pop_back();
   }
+  Extension* extension = kept.front().get();
   if (preloadAll || rep_->preload) extension->LoadProperty(gAllProperties);
   return extension;
 }

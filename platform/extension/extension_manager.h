@@ -1,6 +1,7 @@
 #ifndef CMCFG_PLATFORM_EXTENSION_EXTENSION_MANAGER_H_
 #define CMCFG_PLATFORM_EXTENSION_EXTENSION_MANAGER_H_
 
+#include <cstddef>
 #include <list>
 #include <map>
 #include <memory>
@@ -30,7 +31,15 @@ struct AddressPatternBlock {
 };
 
 // An extension's record in the extension database: its parameter blocks.
-// Owned by the ExtensionManager that returned it.
+// Owned by the ExtensionManager that returned it, and valid as long as the
+// manager keeps it (see ExtensionManager); so are the blocks, lists and
+// accessors it hands out. Not thread-safe.
+//
+// A property whose section is absent from the file reads as a block of the
+// documented defaults: once LoadProperty has decoded a property from a file
+// that was read, its getter returns a block, not nullptr, unless a later
+// re-read of it fails. HasSection tells whether the file really has the
+// section.
 class Extension {
  public:
   virtual ~Extension();
@@ -41,13 +50,25 @@ class Extension {
   const std::string& GetText() const;
 
   // Makes the blocks of the properties in `mask` available (the file is
-  // read once per manager; this only decodes). False when the extension's
-  // file could not be read.
+  // read once, when the manager fetches the extension; this only decodes).
+  // False, decoding nothing, when the last read of the file failed.
   bool LoadProperty(unsigned mask);
-  // Reads the file again and refreshes the blocks of `mask`.
+  // Reads the file again and refreshes the blocks of `mask` in place, so
+  // block pointers handed out before stay valid. False when the file cannot
+  // be read any more: the properties of `mask` then count as not loaded
+  // (their getters return nullptr, their blocks stay allocated) and
+  // LoadProperty fails until a re-read succeeds.
   bool ReloadProperty(unsigned mask);
 
-  // The block of a loaded property, or nullptr when the extension has none.
+  // True when the file as last read has the section of `property` (one
+  // property bit; for speed dial and the address book: at least one such
+  // section). Independent of what is loaded; for inspection tools, since
+  // the getters give defaults for an absent section.
+  bool HasSection(unsigned property) const;
+
+  // The block of a property: its section's values, or the defaults when the
+  // file has no such section. nullptr only when the property is not loaded
+  // (never asked for, or its re-read failed).
   ExtSipSettingsParams* GetSipSettingsParams();
   ExtPersonalInfoParams* GetPersonalInfoParams();
   ExtServicesParams* GetServicesParams();
@@ -60,10 +81,13 @@ class Extension {
   PickupGroupParams* GetPickupGroupParams();
   ExtBusyRedialParams* GetBusyRedialParams();
   ExtAutoCallParams* GetAutoCallParams();
+  // Either attendant property (0x2000 or 0x8000) loads this block.
   AttGeneralParams* GetAttGeneralParams();
-  // Speed-dial entries in file order.
+  // Speed-dial entries in file order; empty when there are none or the
+  // property is not loaded.
   std::list<SpeedDialBlock*> GetSpeedDialBlocks();
-  // Address book (never nullptr once property 0x2 is loaded).
+  // Address book (empty when the file has no contacts); nullptr only when
+  // property 0x2 is not loaded.
   AddressPatternParams* GetAddressPatternParams();
 
   // Adds a block to a property and stores it; property 2 takes an
@@ -92,7 +116,9 @@ class ExtensionManagerBase {
  public:
   virtual ~ExtensionManagerBase();
   // Replaces `names` with the names of every extension of that type, in the
-  // database's order.
+  // database's order: the regular files (or links to them) named NAME.cfg.
+  // One listing of the folder, without a stat per file where the file
+  // system records entry kinds. False when the folder cannot be listed.
   bool GetAllExtensionsNames(ExtType type, std::list<std::string>& names);
 
  protected:
@@ -102,17 +128,29 @@ class ExtensionManagerBase {
 
 // The extension database "extensiondb": a folder with one file per
 // extension, so opening it and fetching one extension costs the same for
-// ten or a hundred thousand extensions. Extensions are read on first request
-// and kept (owned) by the manager. Names that are not plain file names
-// ("/", "..", control characters, empty) are never found.
+// ten or a hundred thousand extensions. Names that are not plain file names
+// ("/", "..", control characters, empty) are never found. Not thread-safe.
+//
+// The manager keeps only the kKeptExtensions extensions fetched most
+// recently, so loading every extension of a large database one after the
+// other holds a few files in memory, not all. An Extension* it returns, and
+// every block, list entry and accessor that extension hands out, stays
+// valid until kKeptExtensions other extensions have been fetched from the
+// same manager (successful fetches of other names; fetching an extension
+// again makes it the most recent), or the manager is destroyed. Fetching a
+// kept extension again returns the same object without reading its file
+// again (ReloadProperty re-reads); one that was dropped is read afresh into
+// a new object.
 class ExtensionManager : public ExtensionManagerBase {
  public:
-  // preload: decode every property when an extension is first read.
+  static constexpr size_t kKeptExtensions = 8;
+
+  // preload: decode every property when an extension is fetched.
   ExtensionManager(const std::string& path, bool preload);
   ~ExtensionManager() override;
 
-  // The extension of that type and name, or nullptr. preloadAll decodes all
-  // its properties at once.
+  // The extension of that type and name, or nullptr (no such file, or it
+  // cannot be read). preloadAll decodes all its properties at once.
   Extension* GetExtension(ExtType type, const std::string& name, bool preloadAll);
   // The extension of that name whatever its type (attendants excluded).
   Extension* GetExtension(const std::string& name, bool preloadAll);

@@ -35,8 +35,14 @@ const char* ServiceName(unsigned bit);
 bool ParseAddressEntry(std::string_view text, AddrInfo* out);
 std::string FormatAddressEntry(const AddrInfo& info);
 
-// Decodes the blocks of `mask` from the file into the extension's rep.
+// Decodes the blocks of `mask` from the file into the extension's rep: a
+// property without its section gets a block of defaults.
 void DecodeProperties(const cfg::Document& doc, unsigned mask, Extension::Rep* rep);
+// Whether the file has the section(s) of one property.
+bool HasPropertySection(const cfg::Document& doc, unsigned property);
+// The id of a contact's own section ("contact 12"), or false for any other
+// section (a service section has a third word).
+bool ContactId(std::string_view name, unsigned long* id);
 
 // Services of one contact: read from / written to the file's sections.
 void ReadServices(const cfg::Document& doc, unsigned long id, unsigned mask, SupServAccessor* out,
@@ -51,9 +57,9 @@ struct Extension::Rep {
   std::string name;
   ExtType type = kExtUser;
   std::string path;  // the extension's file
-  cfg::Document doc;  // the file as read once by the manager
-  unsigned loaded = 0;   // properties decoded so far
-  unsigned present = 0;  // properties whose section the file has
+  cfg::Document doc;      // the file as last read; empty when that read failed
+  bool readable = false;  // the last read succeeded
+  unsigned loaded = 0;    // properties decoded from it so far
   std::string text;
 
   std::unique_ptr<ExtSipSettingsParams> sip;
@@ -73,7 +79,8 @@ struct Extension::Rep {
   std::list<std::unique_ptr<SpeedDialBlock>> retiredSpeedDial;
   AddressPatternParams* addressBook = nullptr;  // owned; destroyed by ~Extension
 
-  // Reads the file; false when it is missing or unreadable.
+  // Reads the file; false when it is missing or unreadable (the document
+  // is then empty and `readable` false).
   bool Read();
 };
 

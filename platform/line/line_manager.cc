@@ -1,7 +1,9 @@
 #include "platform/line/line_manager.h"
 
+#include <chrono>
 #include <cstdlib>
 #include <mutex>
+#include <unordered_map>
 #include <vector>
 
 #include "platform/base/file_system.h"
@@ -55,6 +57,23 @@ bool ParseEndpoint(std::string_view name, int type, uint32_t* gateway, uint32_t*
          ParseNumber(endpoint.substr(slash + 1), line);
 }
 
+uint64_t EndpointKey(uint32_t gateway, uint32_t line) {
+  return static_cast<uint64_t>(gateway) << 32 | line;
+}
+
+// Modified this close to now, a file may be rewritten with the same size
+// and timestamps (file system clocks tick coarsely): its version cannot be
+// trusted yet.
+const int64_t kUnsettledNanos = int64_t{2} * 1000 * 1000 * 1000;
+
+bool Settled(const cfg::FileInfo& info) {
+  int64_t now = std::chrono::duration_cast<std::chrono::nanoseconds>(
+                    std::chrono::system_clock::now().time_since_epoch())
+                    .count();
+  int64_t age = now - (info.mtime_sec * 1000 * 1000 * 1000 + info.mtime_nsec);
+  return age >= kUnsettledNanos || age <= -kUnsettledNanos;
+}
+
 void ReadEntry(const cfg::Section& s, int type, LineBase* entry) {
   switch (type) {
     case LineManagerBase::kLineDb:
@@ -82,8 +101,15 @@ void ReadEntry(const cfg::Section& s, int type, LineBase* entry) {
 struct LineManagerBase::Rep {
   std::string path;
   bool loaded = false;
+  // The version of the file that was read.
+  bool exists = false;
+  cfg::FileInfo version;
+  bool settled = false;
+
   std::vector<std::unique_ptr<LineBase>> owned;
   std::list<LineBase*> lines;
+  std::unordered_map<uint64_t, LineBase*> byEndpoint;
+  std::unordered_map<std::string, std::vector<LineBase*>> byExtension;
 };
 
 LineManagerBase::LineManagerBase(LineMngType type, std::string path) : rep_(new Rep), type_(type) {
@@ -92,35 +118,65 @@ LineManagerBase::LineManagerBase(LineMngType type, std::string path) : rep_(new 
 
 LineManagerBase::~LineManagerBase() = default;
 
-const std::list<LineBase*>& LineManagerBase::GetLines(bool reload) {
-  if (reload || !rep_->loaded) {
-    rep_->loaded = true;
-    rep_->owned.clear();
-    rep_->lines.clear();
-    cfg::Document doc;
-    cfg::LoadDocument(rep_->path, &doc);  // a missing or bad file has no lines
-    for (const cfg::Section& section : doc.sections()) {
-      uint32_t gateway = 0, line = 0;
-      if (!ParseEndpoint(section.name, type_, &gateway, &line)) continue;
-      if (GetLine(gateway, line, false) != nullptr) continue;  // first one counts
-      std::unique_ptr<LineBase> entry(new LineBase);
-      entry->gatewayId = gateway;
-      entry->lineId = line;
-      entry->path_ = rep_->path;
-      entry->type_ = type_;
-      ReadEntry(section, type_, entry.get());
-      rep_->lines.push_back(entry.get());
-      rep_->owned.push_back(std::move(entry));
-    }
+void LineManagerBase::Refresh(bool reload) {
+  Rep& r = *rep_;
+  if (r.loaded && !reload) return;
+  // Stat before reading: a change in between is then seen at the next call.
+  cfg::FileInfo now;
+  bool exists = cfg::FileSystem::Default()->Stat(r.path, &now).ok();
+  if (r.loaded && r.settled && exists == r.exists && (!exists || now.SameVersion(r.version)))
+    return;
+  r.exists = exists;
+  r.version = now;
+  r.settled = !exists || Settled(now);
+  Read();
+}
+
+void LineManagerBase::Read() {
+  Rep& r = *rep_;
+  r.loaded = true;
+  r.owned.clear();
+  r.lines.clear();
+  r.byEndpoint.clear();
+  r.byExtension.clear();
+  cfg::Document doc;
+  cfg::LoadDocument(r.path, &doc);  // a missing or bad file has no lines
+  for (const cfg::Section& section : doc.sections()) {
+    uint32_t gateway = 0, line = 0;
+    if (!ParseEndpoint(section.name, type_, &gateway, &line)) continue;
+    auto slot = r.byEndpoint.emplace(EndpointKey(gateway, line), nullptr);
+    if (!slot.second) continue;  // first one counts
+    std::unique_ptr<LineBase> entry(new LineBase);
+    entry->gatewayId = gateway;
+    entry->lineId = line;
+    entry->path_ = r.path;
+    entry->type_ = type_;
+    ReadEntry(section, type_, entry.get());
+    slot.first->second = entry.get();
+    r.lines.push_back(entry.get());
+    if (type_ == kLineDb) r.byExtension[entry->extension].push_back(entry.get());
+    r.owned.push_back(std::move(entry));
   }
+}
+
+const std::list<LineBase*>& LineManagerBase::GetLines(bool reload) {
+  Refresh(reload);
   return rep_->lines;
 }
 
 LineBase* LineManagerBase::GetLine(uint32_t gatewayId, uint32_t lineId, bool reload) {
-  if (reload || !rep_->loaded) GetLines(true);
-  for (LineBase* entry : rep_->lines)
-    if (entry->gatewayId == gatewayId && entry->lineId == lineId) return entry;
-  return nullptr;
+  Refresh(reload);
+  auto it = rep_->byEndpoint.find(EndpointKey(gatewayId, lineId));
+  return it == rep_->byEndpoint.end() ? nullptr : it->second;
+}
+
+const std::vector<LineBase*>& LineManagerBase::GetLinesOf(const std::string& extension,
+                                                          bool reload) {
+  static const std::vector<LineBase*> kNone;
+  if (type_ != kLineDb) return kNone;
+  Refresh(reload);
+  auto it = rep_->byExtension.find(extension);
+  return it == rep_->byExtension.end() ? kNone : it->second;
 }
 
 bool LineBase::Load() {

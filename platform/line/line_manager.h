@@ -5,6 +5,7 @@
 #include <list>
 #include <memory>
 #include <string>
+#include <vector>
 
 // "No gateway" / "no line".
 inline constexpr uint32_t gUndefinedLine = 0xFFFFFFFFu;
@@ -40,23 +41,47 @@ class LineBase {
   int type_ = 0;
 };
 
+// The entries of one type of the line database, owned by the manager and
+// indexed by endpoint and (type 0) by extension. Not thread-safe.
+//
+// The file is read on first use. A call with `reload` set asks for the file
+// as it is now, but costs a stat only: the manager remembers the version it
+// read (device, inode, size, modification and change times with
+// nanoseconds) and reads again only when that changed, or when the file
+// appeared or disappeared. So a loop that reloads once per extension costs
+// one read of the file in all, and a change is still seen by the next call.
+// A file modified less than 2 s before it was read is read again at the
+// next reload as well, since a same-size rewrite within the file system's
+// timestamp granularity could leave its version unchanged.
+//
+// Entries, and the lists and vectors returned, stay valid until a call
+// actually re-reads the file (or the manager is destroyed); a reload that
+// finds the file unchanged keeps them.
 class LineManagerBase {
  public:
   enum LineMngType { kLineDb = 0, kFxsLines = 1, kFxoLines = 2 };
 
   virtual ~LineManagerBase();
-  // Entries of this manager's type, in file order; the file is read on
-  // first use, and again when `reload` is set (which invalidates entries
-  // returned before). A missing or bad file has no entries.
+  // Entries of this manager's type, in file order (the first of two for
+  // one endpoint). A missing or bad file has no entries.
   const std::list<LineBase*>& GetLines(bool reload);
-  // The entry of that gateway and line, or nullptr (reload as above).
+  // The entry of that gateway and line, or nullptr. O(1).
   LineBase* GetLine(uint32_t gatewayId, uint32_t lineId, bool reload);
+  // The bindings of that extension in file order (an extension may sit on
+  // a local and a remote port). Empty for an unknown name, and always for
+  // managers of another type than kLineDb, which do not read the file for
+  // it. O(1) apart from the reload's stat.
+  const std::vector<LineBase*>& GetLinesOf(const std::string& extension, bool reload);
   LineMngType GetType() const { return type_; }
 
  protected:
   LineManagerBase(LineMngType type, std::string path);
 
  private:
+  // Reads the file on first use, and on `reload` when it changed.
+  void Refresh(bool reload);
+  void Read();
+
   struct Rep;
   std::unique_ptr<Rep> rep_;
   LineMngType type_;

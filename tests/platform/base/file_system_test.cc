@@ -1,5 +1,6 @@
 #include "platform/base/file_system.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -65,6 +66,20 @@ TEST_F(FileSystemTest, ReadFileTellsMissingFromUnreadable) {
 
 TEST_F(FileSystemTest, ReadingIntoAnArenaGivesTheWholeFile) {
   PosixFileSystem fs;
+  // Around the small-file bound: a short read must end only at the end.
+  for (size_t size : {size_t{1}, Arena::kSmallText - 1, Arena::kSmallText}) {
+    std::string text(size, '#');
+    text.back() = '\n';
+    root_.Write("f.cfg", text);
+    std::unique_ptr<Arena> arena;
+    std::string_view read;
+    ASSERT_TRUE(fs.ReadFileToArena(root_.Path("f.cfg"), &arena, &read).ok());
+    EXPECT_TRUE(read == text) << size;
+    // Tables that outgrow the first chunk (many tiny sections) get more: a
+    // small file's arena still takes it from the heap, a large one maps.
+    for (int i = 0; i < 3; ++i) arena->Allocate(size_t{4} << 20, 8);
+    EXPECT_EQ(size >= Arena::kSmallText, arena->mapped_chunks() > 0) << size;
+  }
   std::string text = "section a\n{\nk = v\n}\n" + std::string(100000, '#') + "\n";
   root_.Write("f.cfg", text);
   root_.Write("empty.cfg", "");
@@ -83,6 +98,22 @@ TEST_F(FileSystemTest, ReadingIntoAnArenaGivesTheWholeFile) {
   root_.MakeDir("dir.cfg");
   EXPECT_EQ(Status::kIOError, fs.ReadFileToArena(root_.Path("dir.cfg"), &arena, &read).code());
   EXPECT_TRUE(fs.ReadFileToArena(root_.Path("none.cfg"), &arena, &read).IsNotFound());
+}
+
+TEST_F(FileSystemTest, StatTellsKindSizeAndVersion) {
+  FileSystem* fs = FileSystem::Default();
+  FileInfo info, again;
+  EXPECT_TRUE(fs->Stat(root_.Path("none"), &info).IsNotFound());
+  root_.Write("f.cfg", "12345");
+  ASSERT_TRUE(fs->Stat(root_.Path("f.cfg"), &info).ok());
+  EXPECT_EQ(FileInfo::kRegular, info.kind);
+  EXPECT_EQ(5u, info.size);
+  ASSERT_TRUE(fs->Stat(root_.Path("f.cfg"), &again).ok());
+  EXPECT_TRUE(info.SameVersion(again));
+  struct timespec times[2] = {{info.mtime_sec, 0}, {info.mtime_sec, info.mtime_nsec ^ 1}};
+  ASSERT_EQ(0, utimensat(AT_FDCWD, root_.Path("f.cfg").c_str(), times, 0));
+  ASSERT_TRUE(fs->Stat(root_.Path("f.cfg"), &again).ok());
+  EXPECT_FALSE(info.SameVersion(again));  // nanoseconds count
 }
 
 TEST_F(FileSystemTest, WriteFileAtomicReplacesContentsAndKeepsMode) {

@@ -1,7 +1,11 @@
 #include "platform/extension/extension_manager.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <string>
 
 #include "tests/support/temp_root.h"
@@ -16,6 +20,7 @@ class ExtensionDbTest : public ::testing::Test {
   }
 
   testing_support::TempRoot root_;
+  std::unique_ptr<ExtensionManager> db_;
 };
 
 TEST_F(ExtensionDbTest, FindsEachKindAndTheSystemAttendant) {
@@ -41,7 +46,10 @@ TEST_F(ExtensionDbTest, FindsEachKindAndTheSystemAttendant) {
   EXPECT_EQ("alice", user->GetSipSettingsParams()->userName);
   EXPECT_EQ(60, user->GetSipSettingsParams()->registerExpiry);
   EXPECT_EQ(1, user->GetSipSettingsParams()->registrationEnabled);  // default kept
-  EXPECT_EQ(nullptr, user->GetCodecParams());  // the file has no codecs
+  ASSERT_NE(nullptr, user->GetCodecParams());  // no codecs section: defaults
+  EXPECT_TRUE(user->GetCodecParams()->voiceCodecs.empty());
+  EXPECT_FALSE(user->HasSection(kPropCodecs));
+  EXPECT_TRUE(user->HasSection(kPropSipSettings));
 
   // By name alone: users first, attendants never.
   EXPECT_EQ(user, db.GetExtension("101", false));
@@ -63,11 +71,16 @@ TEST_F(ExtensionDbTest, ListsInNaturalOrderAndSkipsWhatIsNoExtension) {
   Put("user/11.cfg.lock", "");
   Put("user/12.cfg.123.0000abcd.tmp", "");
   root_.MakeDir("telephony/extensiondb/user/13.cfg");
+  const std::string dir = Db() + "/user/";
+  ASSERT_EQ(0, symlink("10.cfg", (dir + "link.cfg").c_str()));  // counts as its target
+  ASSERT_EQ(0, symlink("13.cfg", (dir + "dirlink.cfg").c_str()));
+  ASSERT_EQ(0, symlink("none.cfg", (dir + "dangling.cfg").c_str()));
+  ASSERT_EQ(0, mkfifo((dir + "fifo.cfg").c_str(), 0644));
 
   ExtensionManager db(Db(), false);
   std::list<std::string> names = {"stale"};
   ASSERT_TRUE(db.GetAllExtensionsNames(kExtUser, names));
-  EXPECT_EQ((std::list<std::string>{"2", "2x", "9", "010", "10", "100", "B", "a"}), names);
+  EXPECT_EQ((std::list<std::string>{"2", "2x", "9", "010", "10", "100", "B", "a", "link"}), names);
   EXPECT_FALSE(db.GetAllExtensionsNames(kExtPaging, names));  // no such folder
   EXPECT_TRUE(names.empty());
 }
@@ -97,18 +110,77 @@ TEST_F(ExtensionDbTest, FileIsReadOncePerManagerUntilReloaded) {
   ExtCodecParams* codecs = user->GetCodecParams();
   ASSERT_NE(nullptr, codecs);
   EXPECT_EQ((std::list<std::string>{"G711A"}), codecs->voiceCodecs);
-  EXPECT_EQ(nullptr, user->GetTimeoutsParams());
+  EXPECT_FALSE(user->HasSection(kPropTimeouts));
+  ExtTimeoutsParams* timeouts = user->GetTimeoutsParams();
+  ASSERT_NE(nullptr, timeouts);
+  EXPECT_EQ(60, timeouts->callParkTimeout);
 
   ASSERT_TRUE(user->ReloadProperty(kPropCodecs | kPropTimeouts));
   EXPECT_EQ(codecs, user->GetCodecParams());  // refreshed in place
   EXPECT_EQ((std::list<std::string>{"G729"}), codecs->voiceCodecs);
-  ASSERT_NE(nullptr, user->GetTimeoutsParams());
-  EXPECT_EQ(10, user->GetTimeoutsParams()->noAnswerTimeout);
-
+  EXPECT_TRUE(user->HasSection(kPropTimeouts));
   // A second manager sees the file as it is now.
   ExtensionManager other(Db(), true);
   EXPECT_EQ((std::list<std::string>{"G729"}),
             other.GetExtension(kExtUser, "101", false)->GetCodecParams()->voiceCodecs);
+
+  // The file goes: re-read properties are no longer served, nothing new
+  // loads, and the blocks handed out stay readable until it comes back.
+  ASSERT_EQ(0, std::remove(root_.Path("telephony/extensiondb/user/101.cfg").c_str()));
+  EXPECT_FALSE(user->ReloadProperty(kPropCodecs));
+  EXPECT_EQ(nullptr, user->GetCodecParams());
+  EXPECT_EQ(timeouts, user->GetTimeoutsParams());
+  EXPECT_FALSE(user->LoadProperty(kPropSipSettings));
+  EXPECT_EQ(nullptr, user->GetSipSettingsParams());
+  EXPECT_EQ((std::list<std::string>{"G729"}), codecs->voiceCodecs);
+  Put("user/101.cfg", "section timeouts\n{\n}\n");
+  ASSERT_TRUE(user->ReloadProperty(kPropCodecs));
+  EXPECT_EQ(codecs, user->GetCodecParams());
+  EXPECT_TRUE(codecs->voiceCodecs.empty());  // the section went: defaults
+}
+
+TEST_F(ExtensionDbTest, EveryPropertyOfAnEmptyFileReadsAsDefaults) {
+  Put("attendant/100.cfg", "section contact 1 clir\n{\n}\n");  // a service alone: no contact
+  ExtensionManager db(Db(), false);
+  CHAttendant* attendant = db.GetAttendant("100", true);
+  ASSERT_NE(nullptr, attendant);
+  EXPECT_NE(nullptr, attendant->GetPstnAgentParams());
+  EXPECT_EQ(15, attendant->GetAttGeneralParams()->queueSize);
+  EXPECT_EQ(30u, attendant->GetBusyRedialParams()->interval);
+  EXPECT_TRUE(attendant->GetAccessListParams()->entries.empty());
+  EXPECT_TRUE(attendant->GetAddressPatternParams()->GetAllBlocks().empty());
+  for (unsigned bit = 1; bit != 0; bit <<= 1) EXPECT_FALSE(attendant->HasSection(bit)) << bit;
+  Put("attendant/100.cfg", "section contact 7\n{\n}\nsection speed_dial 1\n{\n}\n");
+  ASSERT_TRUE(attendant->ReloadProperty(kPropSpeedDial));
+  EXPECT_TRUE(attendant->HasSection(kPropAddressPatterns));
+  EXPECT_TRUE(attendant->HasSection(kPropSpeedDial));
+}
+
+TEST_F(ExtensionDbTest, KeepsOnlyTheMostRecentlyFetched) {
+  const size_t kKept = ExtensionManager::kKeptExtensions;
+  auto put = [&](const std::string& text) {
+    for (size_t i = 0; i < 3 * kKept; ++i)
+      Put("user/" + std::to_string(i) + ".cfg",
+          "section extension\n{\ndescription = " + text + "\n}\n");
+  };
+  auto fetch = [&](size_t from, size_t to) {  // others, none of them "0"
+    for (size_t i = from; i < to; ++i)
+      ASSERT_NE(nullptr, db_->GetExtension(kExtUser, std::to_string(i), false));
+  };
+  put("old");
+  db_.reset(new ExtensionManager(Db(), false));
+  Extension* first = db_->GetExtension(kExtUser, "0", true);
+  ASSERT_NE(nullptr, first);
+  put("new");  // what is read from now on says so
+
+  fetch(1, kKept);
+  EXPECT_EQ(3600, first->GetSipSettingsParams()->registerExpiry);  // still alive
+  EXPECT_EQ(first, db_->GetExtension(kExtUser, "0", false));       // and made the most recent
+  fetch(kKept, 2 * kKept - 1);
+  EXPECT_EQ(nullptr, db_->GetExtension(kExtUser, "none", false));  // failures count for nothing
+  EXPECT_EQ("old", db_->GetExtension("0", false)->GetText());     // not read again
+  fetch(2 * kKept - 1, 3 * kKept - 1);
+  EXPECT_EQ("new", db_->GetExtension(kExtUser, "0", false)->GetText());  // dropped, read afresh
 }
 
 TEST_F(ExtensionDbTest, BadFilesReadWhatIsWellFormed) {
@@ -123,7 +195,8 @@ TEST_F(ExtensionDbTest, BadFilesReadWhatIsWellFormed) {
   ExtensionManager db(Db(), true);
   Extension* garbage = db.GetExtension(kExtUser, "201", true);
   ASSERT_NE(nullptr, garbage);
-  EXPECT_EQ(nullptr, garbage->GetSipSettingsParams());
+  ASSERT_NE(nullptr, garbage->GetSipSettingsParams());
+  EXPECT_EQ(3600, garbage->GetSipSettingsParams()->registerExpiry);
 
   Extension* odd = db.GetExtension(kExtUser, "202", true);
   ASSERT_NE(nullptr, odd);

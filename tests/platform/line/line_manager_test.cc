@@ -1,7 +1,13 @@
 #include "platform/line/line_manager.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+
 #include <gtest/gtest.h>
 
+#include <cstdio>
+
+#include "platform/base/posix_file_system.h"
 #include "tests/support/temp_root.h"
 
 namespace {
@@ -18,10 +24,36 @@ const char kLineDb[] =
     "section binding x/1\n{\nextension = bad endpoint\n}\n"
     "section fxs 2/1\n{\n}\n";
 
+// The real file system with whole-second timestamps, as file systems with
+// a coarse clock keep them: rewrites within one second look alike.
+class CoarseClock : public cfg::PosixFileSystem {
+ public:
+  cfg::Status Stat(const std::string& path, cfg::FileInfo* info) override {
+    cfg::Status s = cfg::PosixFileSystem::Stat(path, info);
+    info->mtime_nsec = info->ctime_nsec = 0;
+    return s;
+  }
+};
+
 class LineManagerTest : public ::testing::Test {
  protected:
-  void SetUp() override { root_.Write("telephony/linedb", kLineDb); }
+  void SetUp() override {
+    root_.Write("telephony/linedb", kLineDb);
+    cfg::FileSystem::SetDefaultForTesting(&coarse_);
+  }
+  void TearDown() override { cfg::FileSystem::SetDefaultForTesting(nullptr); }
   std::string Db() const { return root_.Path("telephony/linedb"); }
+  // Dates the file back to a fixed day, as one unchanged for a while.
+  void Settle() const {
+    struct timespec past[2] = {{1600000000, 0}, {1600000000, 0}};
+    ASSERT_EQ(0, utimensat(AT_FDCWD, Db().c_str(), past, 0));
+  }
+  // kLineDb with extension 101 renamed: the same size.
+  void Rename101(const std::string& to) const {
+    std::string text = kLineDb;
+    root_.Write("telephony/linedb", text.replace(text.find("= 101"), 5, "= " + to));
+  }
+  CoarseClock coarse_;
   TempRoot root_;
 };
 
@@ -38,6 +70,56 @@ TEST_F(LineManagerTest, EachTypeReadsOnlyItsSectionsInFileOrder) {
   LineManager fxo(LineManagerBase::kFxoLines, Db(), false);
   ASSERT_EQ(1u, fxo.GetLines(false).size());
   EXPECT_EQ("0301234567", fxo.GetLines(false).front()->fxoNumber);
+}
+
+TEST_F(LineManagerTest, IndexesKeepTheFirstEntryAndFileOrder) {
+  root_.Write("telephony/linedb",
+              "section binding 2/5\n{\nextension = 101\n}\nsection binding 5/2\n{\n"
+              "extension = 102\n}\nsection binding 1/5\n{\nextension = 101\n}\n"
+              "section binding 2/5\n{\nextension = 103\n}\n");
+  LineManager bindings(LineManagerBase::kLineDb, Db(), true);
+  const std::vector<LineBase*>& of = bindings.GetLinesOf("101", false);
+  ASSERT_EQ(2u, of.size());
+  EXPECT_EQ(of[0], bindings.GetLine(2, 5, false));  // not 103's duplicate
+  EXPECT_EQ(of[1], bindings.GetLine(1, 5, false));
+  EXPECT_EQ("102", bindings.GetLine(5, 2, false)->extension);
+  EXPECT_EQ(nullptr, bindings.GetLine(5, 1, false));
+  EXPECT_TRUE(bindings.GetLinesOf("103", false).empty());
+  LineManager fxs(LineManagerBase::kFxsLines, Db(), true);
+  EXPECT_TRUE(fxs.GetLinesOf("101", true).empty());  // bindings are type 0's
+}
+
+TEST_F(LineManagerTest, ReloadReadsOnlyAChangedFile) {
+  LineManager bindings(LineManagerBase::kLineDb, Db(), true);
+  // Rewritten within the second it was written, size, inode and times
+  // agree: only its age tells that it may have changed.
+  for (const char* next : {"201", "301"}) {
+    Rename101(next);
+    EXPECT_EQ(next, bindings.GetLine(1, 1, true)->extension);
+  }
+  Rename101("101");
+  Settle();
+  LineBase* entry = bindings.GetLine(1, 1, true);
+  entry->extension = "marked";  // a re-read would make a fresh entry
+  EXPECT_EQ(entry, bindings.GetLine(1, 1, true));
+  EXPECT_EQ(entry, bindings.GetLines(true).back());
+  EXPECT_EQ(std::vector<LineBase*>{entry}, bindings.GetLinesOf("101", true));
+
+  Rename101("201");  // in place, same size: a new modification time
+  EXPECT_EQ("201", bindings.GetLine(1, 1, true)->extension);
+  // Saved atomically, same size, same times to the second: a new inode.
+  Settle();
+  EXPECT_EQ(1u, bindings.GetLinesOf("201", true).size());
+  std::string text = kLineDb;
+  text.replace(text.find("= 101"), 5, "= 301");
+  ASSERT_TRUE(cfg::FileSystem::Default()->WriteFileAtomic(Db(), text).ok());
+  Settle();
+  EXPECT_EQ(1u, bindings.GetLinesOf("301", true).size());
+
+  std::remove(Db().c_str());
+  EXPECT_EQ(nullptr, bindings.GetLine(1, 1, true));
+  root_.Write("telephony/linedb", kLineDb);
+  EXPECT_EQ(1u, bindings.GetLinesOf("101", true).size());
 }
 
 TEST_F(LineManagerTest, FxsLinesCarryTheirSettingsAndDefaults) {
