@@ -1,6 +1,7 @@
 #include "cmcfg/cm_agent.h"
 
 #include <cstdarg>
+#include <new>
 
 #include "agent/agent_log.h"
 #include "cmcfg/functions.h"
@@ -23,6 +24,9 @@ namespace {
 // System messages are numbered 0..337.
 const int kLastSysMessage = 337;
 const unsigned kAttendantSlots = 16;
+// More extensions than any appliance can serve: a larger setting is a
+// mistake, and honouring it would ask for gigabytes of empty slots.
+const uint32_t kMaxBaseCapacity = 1u << 20;
 
 }  // namespace
 
@@ -40,19 +44,26 @@ CMAgent::CMAgent() {
   GatewayAccessor::GetInstance(true);
   TosParamsAccessor::GetInstance(true);
 
-  Init("cmcfg.log", false);
-  extensionBase.resize(baseCapacity, nullptr);
-  attendants.reserve(kAttendantSlots);
+  // Nothing may escape into the call-control process: running out of
+  // memory ends the load with what is loaded so far.
+  try {
+    Init("cmcfg.log", false);
+    extensionBase.resize(baseCapacity, nullptr);
+    attendants.reserve(kAttendantSlots);
 
-  GetGeneralData(false);
-  GetRuntimeDbNames(false);
-  GetCDRData(false);
-  GetExternalUserDB(generalData.externalUserCacheDb, &generalData.externalUserCache, true);
-  GetExternalUserDB(generalData.externalUserDb, &generalData.externalUsers, false);
-  GetAutologinDB();
-  if (!GetPstnAgentData(false)) generalData.pstnAgentType = 1;  // FXO
+    GetGeneralData(false);
+    GetRuntimeDbNames(false);
+    GetCDRData(false);
+    GetExternalUserDB(generalData.externalUserCacheDb, &generalData.externalUserCache, true);
+    GetExternalUserDB(generalData.externalUserDb, &generalData.externalUsers, false);
+    GetAutologinDB();
+    if (!GetPstnAgentData(false)) generalData.pstnAgentType = 1;  // FXO
 
-  Load();
+    Load();
+  } catch (const std::bad_alloc&) {
+    CMCFG_TRACE(this, "CMAgent: out of memory; the load stopped at %u extensions.\n",
+                static_cast<unsigned>(extensionBase.size()));
+  }
 
   GeneralSettingsAccessor::CloseInstance();
   GeneralPaths::CloseInstance();
@@ -95,6 +106,11 @@ void CMAgent::Init(const char* logName, bool logFlag) {
 
   if (GeneralSettingsAccessor* settings = GeneralSettingsAccessor::GetInstance(false)) {
     if (settings->maxExtensions > baseCapacity) baseCapacity = settings->maxExtensions;
+    if (baseCapacity > kMaxBaseCapacity) {
+      CMCFG_TRACE(this, "Init: %u extensions asked for; the table holds at most %u.\n",
+                  static_cast<unsigned>(settings->maxExtensions), kMaxBaseCapacity);
+      baseCapacity = kMaxBaseCapacity;
+    }
     GeneralSettingsAccessor::CloseInstance();
   }
 

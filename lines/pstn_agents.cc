@@ -14,6 +14,12 @@ namespace {
 const char kAllChannels[] = "all_channels";
 const char kAllCasChannels[] = "0/0-31";
 
+// What the hardware can have: a file asking for more is cut to it, so one
+// value cannot make the agent allocate without end.
+const unsigned kMaxTimeSlot = 31;   // an E1 frame has 32 time slots
+const size_t kMaxSpans = 64;
+const size_t kMaxChannels = 256;
+
 // The number the text starts with (after blanks); 0 without digits.
 // Malformed numbers are not reported: the leading digits are what counts.
 unsigned short LeadingNumber(const std::string& text, std::string::size_type from = 0) {
@@ -24,22 +30,37 @@ unsigned short LeadingNumber(const std::string& text, std::string::size_type fro
   return static_cast<unsigned short>(value);
 }
 
-std::list<unsigned short> NumberList(const std::string& spec) {
+// The comma-separated numbers, at most kMaxChannels; *cut tells when more
+// were given.
+std::list<unsigned short> NumberList(const std::string& spec, bool* cut) {
   std::list<unsigned short> numbers;
-  for (const std::string& piece : StringUtils::ParseCommaLine(spec, ','))
+  for (const std::string& piece : StringUtils::ParseCommaLine(spec, ',')) {
+    if (numbers.size() == kMaxChannels) {
+      *cut = true;
+      break;
+    }
     numbers.push_back(LeadingNumber(piece));
+  }
   return numbers;
 }
 
 // The slots after a span's "/": a list, or one range "first-last" (a list
-// holding a "-" is read as the range from its first number).
-std::list<unsigned short> CasSlots(const std::string& slots) {
+// holding a "-" is read as the range from its first number). Slots past
+// the frame's last are dropped.
+std::list<unsigned short> CasSlots(const std::string& slots, bool* cut) {
   std::string::size_type dash = slots.find('-');
-  if (dash == std::string::npos) return NumberList(slots);
-  std::list<unsigned short> range;
-  unsigned first = LeadingNumber(slots), last = LeadingNumber(slots, dash + 1);
-  for (unsigned slot = first; slot <= last; ++slot) range.push_back(static_cast<unsigned short>(slot));
-  return range;
+  std::list<unsigned short> found;
+  if (dash == std::string::npos) {
+    found = NumberList(slots, cut);
+  } else {
+    unsigned first = LeadingNumber(slots), last = LeadingNumber(slots, dash + 1);
+    if (last > kMaxTimeSlot) last = kMaxTimeSlot, *cut = true;
+    for (unsigned slot = first; slot <= last; ++slot) found.push_back(static_cast<unsigned short>(slot));
+  }
+  size_t before = found.size();
+  found.remove_if([](unsigned short slot) { return slot > kMaxTimeSlot; });
+  if (found.size() != before) *cut = true;
+  return found;
 }
 
 }  // namespace
@@ -78,7 +99,10 @@ void CMAgent::GetFxoChannels(const std::string& spec, std::list<unsigned short>*
   if (channels == nullptr) return;
   channels->clear();
   if (spec == kAllChannels) return;  // an empty list means every channel
-  *channels = NumberList(spec);
+  bool cut = false;
+  *channels = NumberList(spec, &cut);
+  if (cut) CMCFG_TRACE(this, "GetFxoChannels: more than %u channels in \"%s\"; the rest ignored.\n",
+                       static_cast<unsigned>(kMaxChannels), spec.c_str());
 }
 
 void CMAgent::GetIsdnData(const std::string& spec, std::list<unsigned short>* channels) {
@@ -90,14 +114,20 @@ void CMAgent::GetCasData(const std::string& spec,
   if (spans == nullptr) return;
   spans->clear();
   const std::string text = spec == kAllChannels ? kAllCasChannels : spec;
+  bool cut = false;
   for (const std::string& group : StringUtils::ParseCommaLine(text, ';')) {
     std::string::size_type slash = group.find('/');
     unsigned short span = LeadingNumber(group);
-    std::list<unsigned short> slots =
-        slash == std::string::npos ? std::list<unsigned short>() : CasSlots(group.substr(slash + 1));
+    std::list<unsigned short> slots = slash == std::string::npos
+                                          ? std::list<unsigned short>()
+                                          : CasSlots(group.substr(slash + 1), &cut);
     auto same = std::find_if(spans->begin(), spans->end(),
                              [span](const auto& entry) { return entry.first == span; });
     if (same == spans->end()) {
+      if (spans->size() == kMaxSpans) {
+        cut = true;
+        continue;
+      }
       spans->emplace_back(span, slots);  // a first occurrence keeps its order
       continue;
     }
@@ -105,4 +135,6 @@ void CMAgent::GetCasData(const std::string& spec,
     same->second.sort();
     same->second.unique();
   }
+  if (cut) CMCFG_TRACE(this, "GetCasData: more than %u spans or slots past %u in \"%s\"; ignored.\n",
+                       static_cast<unsigned>(kMaxSpans), kMaxTimeSlot, spec.c_str());
 }

@@ -4,6 +4,7 @@
 
 #include "agent/agent_log.h"
 #include "cmcfg/cm_agent.h"
+#include "platform/base/config_root.h"
 #include "platform/base/multi_section_file.h"
 #include "platform/base/smart_buffer.h"
 
@@ -33,7 +34,14 @@ bool CMAgent::GetExternalUserDB(const std::string& path, std::list<ExternalUserE
   file.Restart();
   if (!file.GotoNextSection()) return false;
 
-  if (trim) {
+  if (trim && generalData.maxExternalUsers < 0) {
+    // A negative limit would delete every user; it is a mistake, not a wish.
+    CMCFG_TRACE(this, "GetExternalUserDB: impossible limit %d; the file is not trimmed.\n",
+                static_cast<int>(generalData.maxExternalUsers));
+  } else if (trim && !cfg::IsInsideRoot(path)) {
+    CMCFG_TRACE(this, "GetExternalUserDB: %s is outside the configuration root; not trimmed.\n",
+                path.c_str());
+  } else if (trim) {
     long surplus = static_cast<long>(file.GetSectionCount()) - generalData.maxExternalUsers;
     if (surplus > 0) {
       // Users beyond the limit are dropped from the end of the file.

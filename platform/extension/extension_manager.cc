@@ -33,7 +33,8 @@ const char* KindFolder(ExtType type) {
 }
 
 bool IsValidName(const std::string& name) {
-  if (name.empty() || name.find('/') != std::string::npos ||
+  // "." would name the kind's own folder ("..cfg" lists as ".").
+  if (name.empty() || name == "." || name.find('/') != std::string::npos ||
       name.find("..") != std::string::npos)
     return false;
   for (unsigned char c : name)

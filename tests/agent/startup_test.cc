@@ -42,6 +42,9 @@ TEST_F(StartupTest, TableGrowsOnlyForMoreThanSixtyFourExtensions) {
   EXPECT_EQ(64u, Start().extensionBase.size());
   root_.Write("telephony/general.cfg", "section system\n{\nmax_extensions = 100\n}\n");
   EXPECT_EQ(100u, Start().extensionBase.size());
+  // Once a 34 GB request that aborted the process.
+  root_.Write("telephony/general.cfg", "section system\n{\nmax_extensions = 4294967295\n}\n");
+  EXPECT_EQ(1u << 20, Start().extensionBase.size());
 }
 
 TEST_F(StartupTest, RootWithoutTrailingSlashRunsIntoTheNames) {

@@ -1,4 +1,7 @@
 #include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdlib>
 
 #include "tests/support/agent_fixture.h"
 
@@ -59,6 +62,29 @@ TEST_F(ExternalUsersTest, UnderTheLimitNothingIsWritten) {
   ASSERT_TRUE(agent.GetExternalUserDB(root_.Path("users.db"), &users_, true));  // limit 32
   EXPECT_EQ(3u, users_.size());
   EXPECT_EQ(kThreeUsers, root_.Read("users.db"));
+}
+
+TEST_F(ExternalUsersTest, ImpossibleLimitsAndForeignFilesAreNeverTrimmed) {
+  root_.Write("users.db", kThreeUsers);
+  CMAgent& agent = Start();
+  agent.generalData.maxExternalUsers = -1;  // would have emptied the file
+  ASSERT_TRUE(agent.GetExternalUserDB(root_.Path("users.db"), &users_, true));
+  EXPECT_EQ(3u, users_.size());
+  EXPECT_EQ(kThreeUsers, root_.Read("users.db"));
+
+  // A cache named outside the configuration root is read but not written.
+  testing_support::TempRoot elsewhere;  // takes the root over; ours is put back below
+  elsewhere.Write("users.db", kThreeUsers);
+  const std::string foreign = elsewhere.Path("users.db");
+  setenv("ORBA_PATH", root_.path().c_str(), 1);
+  agent.generalData.maxExternalUsers = 1;
+  ASSERT_TRUE(agent.GetExternalUserDB(foreign, &users_, true));
+  EXPECT_EQ(3u, users_.size());
+  EXPECT_EQ(kThreeUsers, elsewhere.Read("users.db"));
+  // Not even through a link inside the root.
+  ASSERT_EQ(0, symlink(foreign.c_str(), root_.Path("link.db").c_str()));
+  ASSERT_TRUE(agent.GetExternalUserDB(root_.Path("link.db"), &users_, true));
+  EXPECT_EQ(kThreeUsers, elsewhere.Read("users.db"));
 }
 
 TEST_F(ExternalUsersTest, NoSectionMeansFalseAndAnEmptyList) {

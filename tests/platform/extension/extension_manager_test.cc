@@ -68,6 +68,7 @@ TEST_F(ExtensionDbTest, ListsInNaturalOrderAndSkipsWhatIsNoExtension) {
   for (const char* name : {"10", "9", "100", "a", "B", "010", "2x", "2"})
     Put(std::string("user/") + name + ".cfg", "");
   Put("user/notes.txt", "");
+  Put("user/..cfg", "");  // would list as "."
   Put("user/11.cfg.lock", "");
   Put("user/12.cfg.123.0000abcd.tmp", "");
   root_.MakeDir("telephony/extensiondb/user/13.cfg");
@@ -90,6 +91,7 @@ TEST_F(ExtensionDbTest, BadNamesAreNeverFound) {
   root_.Write("telephony/secret.cfg", "section sip\n{\npassword = x\n}\n");
   ExtensionManager db(Db(), false);
   for (const std::string& name : {std::string(""), std::string("../secret"), std::string(".."),
+                                  std::string("."),
                                   std::string("../../telephony/secret"), std::string("a/b"),
                                   std::string("10\n1"), std::string("10\x01"),
                                   std::string("101\0x", 5)}) {
