@@ -3,6 +3,7 @@
 #include "agent/extension_frame.h"
 #include "cmcfg/cm_agent.h"
 #include "platform/extension/extension_manager.h"
+#include "services/call_type.h"
 
 bool CMAgent::LoadAddressBook(ExtensionData* extension) {
   if (extension == nullptr) return false;
@@ -17,7 +18,7 @@ bool CMAgent::LoadAddressBook(ExtensionData* extension) {
   if (patterns == nullptr) return false;
   for (const AddressPatternBlock* block : patterns->GetAllBlocks()) {
     book.emplace_back(Contact(block->name, static_cast<int32_t>(block->id),
-                              static_cast<CallType>(block->callType)),
+                              services::StoredCallType(block->callType)),
                       SupServiceSet());
     // A contact with nothing stored keeps the empty set.
     FillSupServiceSet(stored, book.back().second, static_cast<int>(block->id), gAllProperties);

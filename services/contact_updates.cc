@@ -7,6 +7,7 @@
 #include "agent/extension_frame.h"
 #include "cmcfg/cm_agent.h"
 #include "platform/base/string_utils.h"
+#include "services/call_type.h"
 
 namespace {
 
@@ -32,20 +33,20 @@ int CMAgent::UpdateContact(ExtensionData* extension, const std::string& ids,
     long id = std::strtol(piece.c_str(), nullptr, 10);
     auto entry = FindContact(book, id);
     AddressPatternBlock* block = nullptr;
-    if (mode != UpdateTypeCodes::kUpdateErase && params != nullptr && id > 0)
+    if (mode != UpdateTypeCodes::kModeErase && params != nullptr && id > 0)
       block = params->GetBlock(static_cast<unsigned long>(id));
-    if (mode == UpdateTypeCodes::kUpdateErase ? entry == book.end() : block == nullptr) {
+    if (mode == UpdateTypeCodes::kModeErase ? entry == book.end() : block == nullptr) {
       CMCFG_TRACE(this, "UpdateContact: extension %s has no such contact ID - %d.\n", name,
                   static_cast<int>(id));
       return 0;  // the identifiers before it stay applied
     }
-    if (mode == UpdateTypeCodes::kUpdateErase) {
+    if (mode == UpdateTypeCodes::kModeErase) {
       CMCFG_TRACE(this, "UpdateContact: extension %s, erasing contact %s.\n", name,
                   entry->first.name.c_str());
       book.erase(entry);  // an erase keeps the book's grouping
       continue;
     }
-    CallType type = static_cast<CallType>(block->callType);
+    CallType type = services::StoredCallType(block->callType);
     if (entry == book.end()) {
       CMCFG_TRACE(this, "UpdateContact: extension %s, adding contact %s.\n", name,
                   block->name.c_str());

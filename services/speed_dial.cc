@@ -7,6 +7,7 @@
 #include "cmcfg/cm_agent.h"
 #include "platform/base/string_utils.h"
 #include "platform/extension/extension_manager.h"
+#include "services/call_type.h"
 #include "services/key_sequence.h"
 
 namespace {
@@ -20,7 +21,7 @@ bool IsSpeedDialCode(const std::string& code) {
 
 ForwardParams Destination(const SpeedDialBlock& block) {
   ForwardParams destination;
-  destination.callType = static_cast<CallType>(block.destType);
+  destination.callType = services::StoredCallType(block.destType);
   if (block.destType == kCallSip) {
     // An address that does not parse leaves the members empty; the entry
     // still occupies its code.

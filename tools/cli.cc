@@ -5,6 +5,7 @@
 
 #include "tools/ext.h"
 #include "tools/show.h"
+#include "tools/write_back_cli.h"
 
 namespace cmcfg_tool {
 namespace {
@@ -19,7 +20,9 @@ void AddCommonOptions(CLI::App* verb, std::string* root, std::string* logDir, bo
 }  // namespace
 
 int RunCommandLine(int argc, const char* const* argv, std::ostream& out, std::ostream& err) {
-  CLI::App app{"cmcfg - inspect the configuration agent's view of a configuration root"};
+  CLI::App app{
+      "cmcfg - inspect the configuration agent's view of a configuration root, and drive its "
+      "write-back operations on it"};
   app.require_subcommand(1);
 
   ShowOptions show;
@@ -32,6 +35,8 @@ int RunCommandLine(int argc, const char* const* argv, std::ostream& out, std::os
   extCmd->add_option("name", ext.name, "Extension or attendant name")->required();
   AddCommonOptions(extCmd, &ext.root, &ext.logDir, &ext.json);
 
+  WriteBackVerbs writeBack(&app);
+
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {
@@ -39,7 +44,8 @@ int RunCommandLine(int argc, const char* const* argv, std::ostream& out, std::os
   }
   if (*showCmd) return RunShow(show, out, err);
   if (*extCmd) return RunExt(ext, out, err);
-  return 1;
+  const int status = writeBack.Run(out, err);
+  return status >= 0 ? status : 1;
 }
 
 }  // namespace cmcfg_tool

@@ -13,6 +13,7 @@
 #include "cmcfg/system_records.h"
 #include "cmcfg/tone_type.h"
 #include "cmcfg/types.h"
+#include "cmcfg/update_type_codes.h"
 
 class CHAttendant;
 class EncodingManager;

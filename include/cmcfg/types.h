@@ -24,31 +24,6 @@ enum CallType {
   kCallFromPhone = 3,
 };
 
-// What an update asks for.
-struct UpdateTypeCodes {
-  // UpdateContact: re-read (add or change) or erase the listed contacts.
-  enum UpdateTypeMode {
-    kUpdateAdd = 0,
-    kUpdateChange = 1,
-    kUpdateErase = 2,
-  };
-  // UpdateSupServices: the one service to re-read; any other value means
-  // every service.
-  enum UpdateType {
-    kUpdateClir = 0x101B,
-    kUpdateIncomingBlocking = 0x101C,
-    kUpdateOutgoingBlocking = 0x101D,
-    kUpdateDistRinging = 0x101E,
-    kUpdateHunting = 0x101F,
-    kUpdateManyRinging = 0x1020,
-    kUpdateForwardUnconditional = 0x1021,
-    kUpdateForwardNoAnswer = 0x1022,
-    kUpdateForwardBusy = 0x1023,
-    kUpdateIntercom = 0x1024,
-    kUpdateAllServices = 0x1025,
-  };
-};
-
 // One key of a telephone keypad or a service key: digits 0x100 + digit,
 // '*' 0x12A, '#' 0x123, hook flash 0x8F0, service keys 0x800 and up.
 typedef int32_t KeypadButton;

@@ -4,6 +4,8 @@
 // Codes with which the configuration front end tells the call manager what
 // changed.
 struct UpdateTypeCodes {
+  // UpdateSupServices: the one service to re-read (0x101B + k selects
+  // service bit k); any other value, kUpdateAll among them, every service.
   enum UpdateType {
     kUpdateAll = 0,
     kUpdateClir = 0x101B,
@@ -17,6 +19,7 @@ struct UpdateTypeCodes {
     kUpdateForwardBusy = 0x1023,
     kUpdateIntercom = 0x1024,
   };
+  // UpdateContact: re-read (add or change) or erase the listed contacts.
   enum UpdateTypeMode {
     kModeAdd = 0,
     kModeChange = 1,

@@ -164,7 +164,7 @@ TEST_F(WriteBackTest, ContactUpdatesFollowTheListUntilAnUnknownId) {
   root_.Write("telephony/extensiondb/user/101.cfg", file);
 
   // A change refreshes the name but not the services; an add regroups.
-  EXPECT_EQ(0, agent.UpdateContact(user, "3,7,99,8", UpdateTypeCodes::kUpdateChange));
+  EXPECT_EQ(0, agent.UpdateContact(user, "3,7,99,8", UpdateTypeCodes::kModeChange));
   EXPECT_EQ((std::vector<std::string>{"7001", "55?1", "5?01", "*"}), Names(user));
   EXPECT_EQ(1, Contact(user, "5?01")->second.clir.active);
   EXPECT_EQ(1, Contact(user, "7001")->second.clir.active);
@@ -172,10 +172,10 @@ TEST_F(WriteBackTest, ContactUpdatesFollowTheListUntilAnUnknownId) {
   EXPECT_NE(std::string::npos, Log().find("UpdateContact: extension 101 has no such contact ID - 99.\n"));
 
   // An erase does not regroup.
-  EXPECT_EQ(1, agent.UpdateContact(user, "8", UpdateTypeCodes::kUpdateAdd));
-  EXPECT_EQ(1, agent.UpdateContact(user, "1", UpdateTypeCodes::kUpdateErase));
+  EXPECT_EQ(1, agent.UpdateContact(user, "8", UpdateTypeCodes::kModeAdd));
+  EXPECT_EQ(1, agent.UpdateContact(user, "1", UpdateTypeCodes::kModeErase));
   EXPECT_EQ((std::vector<std::string>{"7001", "8001", "55?1", "5?01"}), Names(user));
-  EXPECT_EQ(0, agent.UpdateContact(user, "1", UpdateTypeCodes::kUpdateErase));
+  EXPECT_EQ(0, agent.UpdateContact(user, "1", UpdateTypeCodes::kModeErase));
 }
 
 TEST_F(WriteBackTest, ServiceRefreshReadsOnlyTheChosenService) {

@@ -1,6 +1,7 @@
 #ifndef CMCFG_TESTS_TOOLS_TOOL_TEST_UTIL_H_
 #define CMCFG_TESTS_TOOLS_TOOL_TEST_UTIL_H_
 
+#include <filesystem>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -9,6 +10,13 @@ namespace tool_testing {
 
 // The bundled example configuration of the source tree.
 inline std::string Examples() { return CMCFG_EXAMPLES_DIR; }
+
+// Copies the bundled example into `root` (a TempRoot's path), so that
+// verbs that write can run on the copy and never on the source tree.
+inline void CopyExample(const std::string& root) {
+  namespace fs = std::filesystem;
+  fs::copy(Examples(), root, fs::copy_options::recursive | fs::copy_options::overwrite_existing);
+}
 
 inline std::vector<std::string> Lines(const std::string& text) {
   std::vector<std::string> lines;
