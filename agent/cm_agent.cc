@@ -162,10 +162,24 @@ void CMAgent::LOG(const char* format, ...) {
 }
 
 void CMAgent::LoadLogLevel() {
-  GetLogLevel(&logEnabled, &logLevelSecond);
+  // Threads re-reading the flags at once take turns; each flag is written
+  // only when it changes, so the threads that merely test it meet no write
+  // while the configuration stays as it is.
+  static ThreadMutex turns;
+  MutexLock turn(&turns);
+  bool enabled = logEnabled;
+  bool second = logLevelSecond;
+  GetLogLevel(&enabled, &second);
+  if (enabled != logEnabled) logEnabled = enabled;
+  if (second != logLevelSecond) logLevelSecond = second;
   if (LogLoginAccessor* login = LogLoginAccessor::GetInstance(true)) {
-    logLogin = login->loginTrace != 0 && login->loginAudit != 0;
+    bool both;
+    {
+      LogLoginAccessor::Lock lock;
+      both = login->loginTrace != 0 && login->loginAudit != 0;
+    }
     LogLoginAccessor::CloseInstance(login);
+    if (both != logLogin) logLogin = both;
   }
 }
 

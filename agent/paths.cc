@@ -62,20 +62,30 @@ bool FileExist(std::string& path) {
   return FileUtility::IsFileExist(path.c_str());
 }
 
+// Both read the file as it is now. The instance may be held open by others
+// (the agent's start-up) and be reloaded by other threads at the same time:
+// the reload and the reads are one step under the instance's lock.
 void GetLogLevel(bool* logEnabled, bool* logDetails) {
   GeneralSettingsAccessor* settings = GeneralSettingsAccessor::GetInstance(false);
   if (settings == nullptr) return;
-  settings->Reload();
-  if (logEnabled) *logEnabled = settings->logEnabled != 0;
-  if (logDetails) *logDetails = settings->logDetails != 0;
+  {
+    GeneralSettingsAccessor::Lock lock;
+    settings->Reload();
+    if (logEnabled) *logEnabled = settings->logEnabled != 0;
+    if (logDetails) *logDetails = settings->logDetails != 0;
+  }
   GeneralSettingsAccessor::CloseInstance();
 }
 
 int GetNumberOfFXO() {
   GeneralSettingsAccessor* settings = GeneralSettingsAccessor::GetInstance(false);
   if (settings == nullptr) return 2;
-  settings->Reload();
-  int ports = settings->fxoPorts;
+  int ports;
+  {
+    GeneralSettingsAccessor::Lock lock;
+    settings->Reload();
+    ports = settings->fxoPorts;
+  }
   GeneralSettingsAccessor::CloseInstance();
   return ports;
 }
@@ -140,6 +150,9 @@ bool CMAgent::GetRuntimeDbNames(bool createIfMissing) {
     PathsInstance instance(createIfMissing);
     GeneralPaths* paths = instance.paths;
     if (paths == nullptr) return false;
+    // Names are filled in and saved on the shared instance, which another
+    // thread may be using.
+    GeneralPaths::Lock lock;
 
     std::string cache = NameOrDefault(paths, paths->externalUserCacheFile, "external_user_cache_db");
     // A bare name is replaced by the telephony folder plus an empty buffer:

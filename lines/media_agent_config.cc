@@ -39,8 +39,14 @@ unsigned ReadCount(uint32_t GeneralSettingsAccessor::*field) {
   // The media agent always drives at least one interface, so no settings
   // means one rather than none.
   if (settings == nullptr) return 1;
-  settings->Reload();  // the shared instance may predate the last change
-  unsigned count = settings->*field;
+  unsigned count;
+  {
+    // Another thread may reload the shared instance too: the reload and
+    // the read are one step.
+    GeneralSettingsAccessor::Lock lock;
+    settings->Reload();  // the shared instance may predate the last change
+    count = settings->*field;
+  }
   GeneralSettingsAccessor::CloseInstance();
   return count;
 }

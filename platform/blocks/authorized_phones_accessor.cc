@@ -23,6 +23,10 @@ void AuthorizedPhoneBlock::Write(cfg::Document& doc, cfg::Section& section) cons
   blocks::WriteKey(doc, section, "login_time", loginTime);
 }
 
+ThreadMutex& AuthorizedPhonesAccessor::InstanceMutex() {
+  return BlocksAccessorInstance<AuthorizedPhonesAccessor>::Shared().values_mutex();
+}
+
 AuthorizedPhonesAccessor* AuthorizedPhonesAccessor::GetInstance(bool createIfMissing) {
   return BlocksAccessorInstance<AuthorizedPhonesAccessor>::Shared().Acquire(createIfMissing);
 }

@@ -6,6 +6,7 @@
 
 #include "platform/base/document.h"
 #include "platform/blocks/blocks_accessor_base.h"
+#include "platform/blocks/shared_instance.h"
 
 // One authorised phone ("telephony/authorized_phones.cfg"): a phone that
 // logs its user in automatically. The phone is known by its address and
@@ -25,11 +26,18 @@ struct AuthorizedPhoneBlock {
   void Write(cfg::Document& doc, cfg::Section& section) const;
 };
 
-// The authorised phones. Shared instance as GatewayAccessor.
+// The authorised phones. Shared instance and thread rule as
+// GatewayAccessor: a phone saved while other threads hold the instance is
+// saved under Lock.
 class AuthorizedPhonesAccessor : public BlocksAccessorBase<AuthorizedPhoneBlock> {
  public:
   static constexpr const char* kFileName = "authorized_phones.cfg";
 
+  // Holds the shared instance's lock while in scope (see GatewayAccessor).
+  using Lock = SharedValuesLock<AuthorizedPhonesAccessor>;
+  static ThreadMutex& InstanceMutex();
+
+  // The shared instance and its release, as GatewayAccessor's.
   static AuthorizedPhonesAccessor* GetInstance(bool createIfMissing);
   static void CloseInstance();
 

@@ -34,8 +34,9 @@ struct BlocksAccessorInstance;
 // `void Read(const cfg::Section&)` (missing keys keep the defaults) and
 // `void Write(cfg::Document&, cfg::Section&) const`.
 //
-// Not thread-safe: the caller serialises use of one accessor object. Block
-// pointers stay valid until the block is deleted or Load() runs again.
+// Not thread-safe: the caller serialises use of one accessor object (the
+// process-wide ones through their Lock). Block pointers stay valid until the
+// block is deleted or Load() runs again.
 template <typename Block>
 class BlocksAccessorBase : public BlocksBase<Block> {
  public:

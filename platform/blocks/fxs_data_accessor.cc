@@ -38,6 +38,10 @@ struct FxsDataAccessorInstance {
   }
 };
 
+ThreadMutex& FxsDataAccessor::InstanceMutex() {
+  return FxsDataAccessorInstance::Shared().values_mutex();
+}
+
 FxsDataAccessor* FxsDataAccessor::GetInstance(bool createIfMissing) {
   return FxsDataAccessorInstance::Shared().Acquire(createIfMissing);
 }

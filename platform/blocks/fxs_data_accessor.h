@@ -5,21 +5,31 @@
 #include <string>
 #include <vector>
 
+#include "platform/blocks/shared_instance.h"
+
 // Settings shared by every FXS port ("telephony/fxs.cfg"). One shared,
 // reference-counted instance per process: with createIfMissing a missing or
 // unreadable file gives an instance with the defaults below (never
 // nullptr), without it nullptr. A missing key or a value that does not
-// parse keeps the default.
+// parse keeps the default. Threads: as GeneralSettingsAccessor.
 class FxsDataAccessor {
  public:
+  // Holds the shared instance's lock while in scope (as
+  // GeneralSettingsAccessor::Lock, under the same rule).
+  using Lock = SharedValuesLock<FxsDataAccessor>;
+  static ThreadMutex& InstanceMutex();
+
+  // The shared instance (see above); every non-null one is paired with one
+  // CloseInstance, the last of which deletes it.
   static FxsDataAccessor* GetInstance(bool createIfMissing);
   static void CloseInstance();
 
   // Reads the file again from the defaults; false (values unchanged) when it
-  // cannot be read.
+  // cannot be read. Under Lock when other threads may use the instance.
   bool Reload();
   // Writes the values changed since the file was read or last saved,
   // atomically and under the file's lock (as GeneralSettingsAccessor::Save).
+  // Under Lock as Reload.
   bool Save();
 
   std::vector<unsigned long> ringCadence{1000, 2500};  // ms, ring and pause alternately

@@ -14,6 +14,10 @@ void GatewayBlock::Write(cfg::Document& doc, cfg::Section& section) const {
   blocks::WriteKey(doc, section, "address", address);
 }
 
+ThreadMutex& GatewayAccessor::InstanceMutex() {
+  return BlocksAccessorInstance<GatewayAccessor>::Shared().values_mutex();
+}
+
 GatewayAccessor* GatewayAccessor::GetInstance(bool createIfMissing) {
   return BlocksAccessorInstance<GatewayAccessor>::Shared().Acquire(createIfMissing);
 }

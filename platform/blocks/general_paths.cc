@@ -38,6 +38,8 @@ struct GeneralPathsInstance {
   }
 };
 
+ThreadMutex& GeneralPaths::InstanceMutex() { return GeneralPathsInstance::Shared().values_mutex(); }
+
 GeneralPaths* GeneralPaths::GetInstance(bool createIfMissing) {
   return GeneralPathsInstance::Shared().Acquire(createIfMissing);
 }

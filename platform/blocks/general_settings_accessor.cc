@@ -91,6 +91,10 @@ struct GeneralSettingsInstance {
   }
 };
 
+ThreadMutex& GeneralSettingsAccessor::InstanceMutex() {
+  return GeneralSettingsInstance::Shared().values_mutex();
+}
+
 GeneralSettingsAccessor* GeneralSettingsAccessor::GetInstance(bool createIfMissing) {
   return GeneralSettingsInstance::Shared().Acquire(createIfMissing);
 }

@@ -35,6 +35,10 @@ struct LogLoginAccessorInstance {
   }
 };
 
+ThreadMutex& LogLoginAccessor::InstanceMutex() {
+  return LogLoginAccessorInstance::Shared().values_mutex();
+}
+
 LogLoginAccessor* LogLoginAccessor::GetInstance(bool createIfMissing) {
   return LogLoginAccessorInstance::Shared().Acquire(createIfMissing);
 }

@@ -5,15 +5,27 @@
 #include <string>
 #include <vector>
 
+#include "platform/blocks/shared_instance.h"
+
 // The login logging flags ("telephony/log_login.cfg"). Shared instance as
 // FxsDataAccessor, except that CloseInstance is given the instance (a
-// pointer that is not the current instance is ignored).
+// pointer that is not the current instance is ignored). Threads: as
+// GeneralSettingsAccessor (Reload, Save and reads that must agree with
+// another thread's reload under Lock).
 class LogLoginAccessor {
  public:
+  // Holds the shared instance's lock while in scope (as
+  // GeneralSettingsAccessor::Lock, under the same rule).
+  using Lock = SharedValuesLock<LogLoginAccessor>;
+  static ThreadMutex& InstanceMutex();
+
+  // The shared instance, as FxsDataAccessor::GetInstance.
   static LogLoginAccessor* GetInstance(bool createIfMissing);
+  // Drops one reference when `instance` is the current one; else nothing.
   static void CloseInstance(LogLoginAccessor* instance);
 
-  // As FxsDataAccessor's.
+  // As FxsDataAccessor's; under Lock when other threads may use the
+  // instance.
   bool Reload();
   bool Save();
 

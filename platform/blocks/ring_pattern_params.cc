@@ -12,6 +12,10 @@ void RingPatternBlock::Write(cfg::Document& doc, cfg::Section& section) const {
   blocks::WriteKey(doc, section, "cadence", cadence);
 }
 
+ThreadMutex& RingPatternParams::InstanceMutex() {
+  return BlocksAccessorInstance<RingPatternParams>::Shared().values_mutex();
+}
+
 RingPatternParams* RingPatternParams::GetInstance(bool createIfMissing) {
   return BlocksAccessorInstance<RingPatternParams>::Shared().Acquire(createIfMissing);
 }

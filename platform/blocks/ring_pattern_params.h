@@ -6,6 +6,7 @@
 
 #include "platform/base/document.h"
 #include "platform/blocks/blocks_accessor_base.h"
+#include "platform/blocks/shared_instance.h"
 
 // One named ring pattern ("telephony/ringpatterns.cfg"), chosen by name for
 // distinctive ringing.
@@ -18,11 +19,17 @@ struct RingPatternBlock {
   void Write(cfg::Document& doc, cfg::Section& section) const;
 };
 
-// The named ring patterns. Shared instance as GatewayAccessor.
+// The named ring patterns. Shared instance and thread rule as
+// GatewayAccessor.
 class RingPatternParams : public BlocksAccessorBase<RingPatternBlock> {
  public:
   static constexpr const char* kFileName = "ringpatterns.cfg";
 
+  // Holds the shared instance's lock while in scope (see GatewayAccessor).
+  using Lock = SharedValuesLock<RingPatternParams>;
+  static ThreadMutex& InstanceMutex();
+
+  // The shared instance and its release, as GatewayAccessor's.
   static RingPatternParams* GetInstance(bool createIfMissing);
   static void CloseInstance();
 

@@ -12,7 +12,8 @@ typedef int SysMessageID;
 // Read-only. One shared, reference-counted instance per process; the file
 // is read when it is created. GetInstance gives nullptr when the file is
 // missing or cannot be read; CloseInstance after a failed GetInstance is
-// harmless.
+// harmless. Never changed after it is made, so any thread may read it
+// without a lock.
 class SysMessageAccessor {
  public:
   static SysMessageAccessor* GetInstance();

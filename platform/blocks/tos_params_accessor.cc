@@ -15,6 +15,10 @@ void TosBlock::Write(cfg::Document& doc, cfg::Section& section) const {
   doc.Set(section, "media_tos", blocks::FormatHexByte(mediaTos));
 }
 
+ThreadMutex& TosParamsAccessor::InstanceMutex() {
+  return BlocksAccessorInstance<TosParamsAccessor>::Shared().values_mutex();
+}
+
 TosParamsAccessor* TosParamsAccessor::GetInstance(bool createIfMissing) {
   return BlocksAccessorInstance<TosParamsAccessor>::Shared().Acquire(createIfMissing);
 }

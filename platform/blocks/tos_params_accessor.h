@@ -6,6 +6,7 @@
 
 #include "platform/base/document.h"
 #include "platform/blocks/blocks_accessor_base.h"
+#include "platform/blocks/shared_instance.h"
 
 // One TOS profile ("telephony/tos.cfg"): the IP type-of-service bytes
 // marked on signalling and on media packets. Lines name the profile.
@@ -19,12 +20,17 @@ struct TosBlock {
   void Write(cfg::Document& doc, cfg::Section& section) const;
 };
 
-// The TOS profiles, looked up with GetBlockByName. Shared instance as
-// GatewayAccessor.
+// The TOS profiles, looked up with GetBlockByName. Shared instance and
+// thread rule as GatewayAccessor.
 class TosParamsAccessor : public BlocksAccessorBase<TosBlock> {
  public:
   static constexpr const char* kFileName = "tos.cfg";
 
+  // Holds the shared instance's lock while in scope (see GatewayAccessor).
+  using Lock = SharedValuesLock<TosParamsAccessor>;
+  static ThreadMutex& InstanceMutex();
+
+  // The shared instance and its release, as GatewayAccessor's.
   static TosParamsAccessor* GetInstance(bool createIfMissing);
   static void CloseInstance();
 
