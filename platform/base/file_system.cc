@@ -1,11 +1,17 @@
 #include "platform/base/file_system.h"
 
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/file.h>
 #include <unistd.h>
 
 #include <errno.h>
 
+#include <algorithm>
+#include <atomic>
+#include <cstring>
+#include <mutex>
+#include <thread>
 #include <utility>
 
 #include "platform/base/posix_file_system.h"
@@ -37,25 +43,235 @@ FileSystem* FileSystem::Default() {
 
 void FileSystem::SetDefaultForTesting(FileSystem* fs) { Installed() = fs; }
 
-FileLock::FileLock(const std::string& path) {
-  if (path.empty()) return;  // would lock ".lock" in whatever folder is current
-  std::string lock_path = path + ".lock";
-  fd_ = open(lock_path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
-  if (fd_ < 0) return;
-  int rc;
-  do {
-    rc = flock(fd_, LOCK_EX);
-  } while (rc != 0 && errno == EINTR);
-  if (rc != 0) {
-    close(fd_);
-    fd_ = -1;
+namespace {
+
+std::atomic<long long> lock_timeout_ms{kDefaultLockTimeout.count()};
+
+// Polling: the first retries come quickly (a save takes milliseconds), later
+// ones no more than every few milliseconds, so a waiter still finds the gaps
+// between the saves of a busy writer.
+constexpr std::chrono::microseconds kFirstPause{50};
+constexpr std::chrono::microseconds kLongestPause{2000};
+
+// At most this many temporaries of live pids stay noted; more would mean
+// something else is wrong, and the lock file must stay small.
+constexpr size_t kMaxKeptTemps = 8;
+
+std::string Folder(const std::string& path) {
+  size_t slash = path.rfind('/');
+  if (slash == std::string::npos) return ".";
+  return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+std::string BaseName(const std::string& path) {
+  size_t slash = path.rfind('/');
+  return slash == std::string::npos ? path : path.substr(slash + 1);
+}
+
+// The locks held in this process, each with the thread that took it, so
+// SaveDocument can tell whether its caller holds the file's lock.
+struct HeldLock {
+  FileLock* lock;
+  std::string path;
+  std::thread::id owner;
+};
+
+std::mutex& HeldMutex() {
+  static std::mutex* mutex = new std::mutex;  // never destroyed: locks may outlive statics
+  return *mutex;
+}
+
+std::vector<HeldLock>& Held() {
+  static std::vector<HeldLock>* held = new std::vector<HeldLock>;
+  return *held;
+}
+
+void Forget(const FileLock* lock) {
+  std::lock_guard<std::mutex> guard(HeldMutex());
+  std::vector<HeldLock>& held = Held();
+  held.erase(std::remove_if(held.begin(), held.end(),
+                            [lock](const HeldLock& h) { return h.lock == lock; }),
+             held.end());
+}
+
+}  // namespace
+
+void SetLockTimeout(std::chrono::milliseconds timeout) {
+  lock_timeout_ms.store(std::max<long long>(0, timeout.count()));
+}
+
+std::chrono::milliseconds LockTimeout() { return std::chrono::milliseconds(lock_timeout_ms.load()); }
+
+FileLock::FileLock(const std::string& path) : FileLock(path, LockTimeout()) {}
+
+FileLock::FileLock(const std::string& path, std::chrono::milliseconds timeout) : path_(path) {
+  if (path.empty()) {  // would lock ".lock" in whatever folder is current
+    status_ = Status::InvalidArgument("no file to lock");
+    return;
   }
+  const std::string lock_path = path + ".lock";
+  int fd = open(lock_path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
+  if (fd < 0) {
+    status_ = Status::IOError("cannot open " + lock_path + ": " + std::strerror(errno));
+    return;
+  }
+  const auto deadline = std::chrono::steady_clock::now() + timeout;
+  std::chrono::microseconds pause = kFirstPause;
+  for (;;) {
+    if (flock(fd, LOCK_EX | LOCK_NB) == 0) break;
+    const int error = errno;
+    if (error == EINTR) continue;
+    const auto now = std::chrono::steady_clock::now();
+    if (error != EWOULDBLOCK || now >= deadline) {
+      close(fd);
+      status_ = error != EWOULDBLOCK
+                    ? Status::IOError("cannot lock " + lock_path + ": " + std::strerror(error))
+                    : Status::TimedOut("another writer held " + lock_path + " for more than " +
+                                       std::to_string(std::max<long long>(0, timeout.count())) +
+                                       " ms");
+      return;
+    }
+    std::this_thread::sleep_for(std::min<std::chrono::steady_clock::duration>(pause, deadline - now));
+    pause = std::min(pause * 2, kLongestPause);
+  }
+  fd_ = fd;
+  {
+    std::lock_guard<std::mutex> guard(HeldMutex());
+    Held().push_back(HeldLock{this, path_, std::this_thread::get_id()});
+  }
+  RemoveStaleTemps();
 }
 
 FileLock::~FileLock() {
   if (fd_ < 0) return;
+  Forget(this);
   flock(fd_, LOCK_UN);
   close(fd_);
+}
+
+void FileLock::RemoveStaleTemps() {
+  char buffer[4096];
+  ssize_t n;
+  do {
+    n = pread(fd_, buffer, sizeof(buffer), 0);
+  } while (n < 0 && errno == EINTR);
+  if (n <= 0) return;  // the usual case: the last save under the lock finished
+  const std::string folder = Folder(path_) + "/";
+  std::string_view notes(buffer, static_cast<size_t>(n));
+  while (!notes.empty()) {
+    size_t end = notes.find('\n');
+    const std::string name(notes.substr(0, end));
+    notes.remove_prefix(end == std::string_view::npos ? notes.size() : end + 1);
+    // Anything but one of our temporaries of this file is ignored (and
+    // dropped from the notes): the lock file must never remove other files.
+    const long pid = TempFileWriter(path_, name);
+    if (pid <= 0 || std::find(kept_.begin(), kept_.end(), name) != kept_.end()) continue;
+    const bool dead = static_cast<pid_t>(pid) == getpid() ||
+                      (kill(static_cast<pid_t>(pid), 0) != 0 && errno == ESRCH);
+    if (dead) {
+      Status removed = FileSystem::Default()->RemoveFile(folder + name);
+      if (removed.ok() || removed.IsNotFound()) continue;
+    }
+    if (kept_.size() < kMaxKeptTemps) kept_.push_back(name);
+  }
+  WriteNotes(std::string());  // best effort: the notes are rewritten by every save
+}
+
+Status FileLock::WriteNotes(const std::string& extra) {
+  std::string text;
+  for (const std::string& name : kept_) text += name + "\n";
+  if (!extra.empty()) text += extra + "\n";
+  size_t done = 0;
+  while (done < text.size()) {
+    ssize_t n = pwrite(fd_, text.data() + done, text.size() - done, static_cast<off_t>(done));
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) return Status::IOError("cannot note in " + path_ + ".lock: " + std::strerror(errno));
+    done += static_cast<size_t>(n);
+  }
+  if (ftruncate(fd_, static_cast<off_t>(text.size())) != 0)
+    return Status::IOError("cannot note in " + path_ + ".lock: " + std::strerror(errno));
+  return Status::OK();
+}
+
+// A save by a thread that holds the file's lock: the temporary is noted in
+// the lock file before it exists and forgotten once it is gone, so a crash
+// at any instant leaves it noted for the next holder.
+class LockedSave {
+ public:
+  static FileLock* Find(const std::string& path) {
+    std::lock_guard<std::mutex> guard(HeldMutex());
+    const std::thread::id self = std::this_thread::get_id();
+    for (const HeldLock& h : Held())
+      if (h.owner == self && h.path == path) return h.lock;
+    return nullptr;
+  }
+
+  static Status Write(const std::string& path, std::string_view text) {
+    FileSystem* fs = FileSystem::Default();
+    FileLock* lock = Find(path);
+    if (lock == nullptr) return fs->WriteFileAtomic(path, text);
+    const std::string temp = TempPathFor(path);
+    const std::string name = BaseName(temp);
+    // Never a temporary that is not noted: a save that cannot note fails.
+    Status s = lock->WriteNotes(name);
+    if (!s.ok()) return s;
+    s = fs->WriteFileAtomicVia(path, temp, text);
+    if (!s.ok() && fs->FileExists(temp) && lock->kept_.size() < kMaxKeptTemps)
+      lock->kept_.push_back(name);  // could not be removed: a later holder tries again
+    lock->WriteNotes(std::string());
+    return s;
+  }
+};
+
+namespace {
+
+std::mutex& ReporterMutex() {
+  static std::mutex* mutex = new std::mutex;
+  return *mutex;
+}
+
+StoreReporter& Reporter() {
+  static StoreReporter* reporter = new StoreReporter;
+  return *reporter;
+}
+
+void ReportToStderr(const std::string& line) {
+  const std::string out = "cmcfg store: " + line + "\n";
+  ssize_t n;
+  do {
+    n = write(STDERR_FILENO, out.data(), out.size());
+  } while (n < 0 && errno == EINTR);
+}
+
+thread_local bool reporting = false;
+
+void ReportFailure(const std::string& path, const Status& s) {
+  const std::string line = "cannot save " + path + ": " + s.ToString();
+  if (reporting) {  // a save from inside the reporter failed
+    ReportToStderr(line);
+    return;
+  }
+  std::lock_guard<std::mutex> guard(ReporterMutex());
+  reporting = true;
+  if (Reporter()) {
+    Reporter()(line);
+  } else {
+    ReportToStderr(line);
+  }
+  reporting = false;
+}
+
+}  // namespace
+
+void SetStoreReporter(StoreReporter reporter) {
+  std::lock_guard<std::mutex> guard(ReporterMutex());
+  Reporter() = std::move(reporter);
+}
+
+Status FileSystem::WriteFileAtomicVia(const std::string& path, const std::string& temp,
+                                      std::string_view contents) {
+  (void)temp;
+  return WriteFileAtomic(path, contents);
 }
 
 Status FileSystem::ReadFileToArena(const std::string& path, std::unique_ptr<Arena>* arena,
@@ -100,18 +316,31 @@ Status LoadDocument(const std::string& path, Document* doc, const Syntax& syntax
 }
 
 Status SaveDocument(const std::string& path, const Document& doc, const Syntax& syntax) {
-  return FileSystem::Default()->WriteFileAtomic(path, doc.Serialize(syntax));
+  Status s = LockedSave::Write(path, doc.Serialize(syntax));
+  if (!s.ok()) ReportFailure(path, s);
+  return s;
 }
 
-Status UpdateDocument(const std::string& path, const std::function<bool(Document&)>& change,
-                      const Syntax& syntax) {
+namespace {
+
+Status UpdateUnderLock(const std::string& path, const std::function<bool(Document&)>& change,
+                       const Syntax& syntax) {
   FileLock lock(path);
-  if (!lock.locked()) return Status::IOError("cannot lock " + path);
+  if (!lock.locked()) return lock.status();
   Document doc;
   Status s = LoadDocument(path, &doc, syntax);
   if (!s.ok() && !s.IsNotFound()) return s;
   if (!change || !change(doc)) return Status::OK();
-  return SaveDocument(path, doc, syntax);
+  return LockedSave::Write(path, doc.Serialize(syntax));
+}
+
+}  // namespace
+
+Status UpdateDocument(const std::string& path, const std::function<bool(Document&)>& change,
+                      const Syntax& syntax) {
+  Status s = UpdateUnderLock(path, change, syntax);
+  if (!s.ok()) ReportFailure(path, s);  // the lock is free again: a slow reporter holds no one up
+  return s;
 }
 
 }  // namespace cfg

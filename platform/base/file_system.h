@@ -1,6 +1,7 @@
 #ifndef CMCFG_PLATFORM_BASE_FILE_SYSTEM_H_
 #define CMCFG_PLATFORM_BASE_FILE_SYSTEM_H_
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -73,6 +74,12 @@ class FileSystem {
   // folder. On any failure the old file is left as it was and the temporary
   // file removed.
   virtual Status WriteFileAtomic(const std::string& path, std::string_view contents) = 0;
+  // The same through the temporary file `temp` the caller chose (in the
+  // folder of `path`, not existing yet; see TempPathFor), so that a lock
+  // holder can note its name before it exists. The default ignores `temp`
+  // and calls WriteFileAtomic.
+  virtual Status WriteFileAtomicVia(const std::string& path, const std::string& temp,
+                                    std::string_view contents);
 
   virtual bool FileExists(const std::string& path) = 0;   // a regular file
   virtual bool DirExists(const std::string& path) = 0;
@@ -91,35 +98,92 @@ class FileSystem {
   virtual Status RemoveFile(const std::string& path) = 0;
 };
 
+// How long a FileLock waits for a lock another writer holds, unless told
+// otherwise: long enough for any sane save, short enough that a call-manager
+// thread is not held up for good by a stuck writer.
+constexpr std::chrono::milliseconds kDefaultLockTimeout{5000};
+
+// The process-wide wait of FileLock(path) and UpdateDocument. Negative
+// counts as zero (a single try). Thread-safe; takes effect for locks taken
+// afterwards.
+void SetLockTimeout(std::chrono::milliseconds timeout);
+std::chrono::milliseconds LockTimeout();
+
 // An exclusive advisory lock that guards a read-modify-write of one file
 // against other processes and other threads. It locks a companion file
 // (the target's path + ".lock"), never the target itself, because an atomic
-// save replaces the target's inode. Blocks until the lock is had.
+// save replaces the target's inode. It waits at most its timeout, polling
+// the lock (a wait cannot be bounded otherwise); a lock whose holder died
+// is free at once, since the kernel drops it with the holder.
+//
+// The lock file also notes the temporary file of a save in progress under
+// the lock (SaveDocument and UpdateDocument do it), so that a save cut short
+// by a crash leaves no temporary file for long: the next holder removes the
+// noted temporaries whose writer is dead (no process of its pid) or had its
+// own pid (a process of the same pid cannot be writing, since the holder
+// holds the lock). A temporary whose pid belongs to a live process stays,
+// and stays noted for a later holder. Each name is checked against the
+// temporary-file pattern of the target first, so the lock file can never
+// make the store remove anything else.
 class FileLock {
  public:
+  // Waits up to LockTimeout().
   explicit FileLock(const std::string& path);
+  // Waits up to `timeout`; zero or less tries once.
+  FileLock(const std::string& path, std::chrono::milliseconds timeout);
   ~FileLock();
   FileLock(const FileLock&) = delete;
   FileLock& operator=(const FileLock&) = delete;
 
-  // False when the lock file could not be created (read-only folder); the
-  // caller then goes on unguarded only if it does not write.
+  // False when the lock was not had; the caller then goes on unguarded only
+  // if it does not write.
   bool locked() const { return fd_ >= 0; }
+  // Why it was not had: TimedOut when another writer held it past the
+  // timeout; IOError when the lock file cannot be opened (a read-only or
+  // missing folder) or locked; InvalidArgument for an empty path. OK when
+  // locked.
+  const Status& status() const { return status_; }
 
  private:
+  friend class LockedSave;  // the store's saves: note and forget temporaries
+  void RemoveStaleTemps();
+  Status WriteNotes(const std::string& extra);
+
+  std::string path_;
   int fd_ = -1;
+  Status status_;
+  std::vector<std::string> kept_;  // noted temporaries of live pids, kept noted
 };
+
+// Where the store reports a write that failed: one line without a newline,
+// "cannot save PATH: " followed by the Status (kind and reason). The default
+// writes it to stderr, prefixed "cmcfg store: ", in one write, so lines of
+// concurrent writers do not mix.
+using StoreReporter = std::function<void(const std::string& line)>;
+
+// Installs `reporter` for the whole process; an empty one restores the
+// default. Thread-safe: reports are made one at a time under a mutex, so the
+// reporter needs no lock of its own, and once this returns the old one is
+// not called any more. A failed save from inside the reporter goes to the
+// default instead of re-entering it.
+void SetStoreReporter(StoreReporter reporter);
 
 // Reads and parses a multi-section file. NotFound when missing; IOError when
 // unreadable or not a regular file. Parse problems are not errors: they are
 // in doc->diagnostics().
 Status LoadDocument(const std::string& path, Document* doc, const Syntax& syntax = Syntax());
 
-// Serializes and writes atomically (no lock taken here).
+// Serializes and writes atomically. No lock is taken here; when the calling
+// thread holds the FileLock of `path`, the temporary file is noted in it (see
+// FileLock), so a crash mid-way leaves nothing behind for long. A failure is
+// also reported through the StoreReporter.
 Status SaveDocument(const std::string& path, const Document& doc, const Syntax& syntax = Syntax());
 
-// Read-modify-write under FileLock: loads the file (a missing file is an
-// empty document), calls `change`, and saves when it returns true.
+// Read-modify-write under FileLock (waiting at most LockTimeout()): loads
+// the file (a missing file is an empty document), calls `change`, and saves
+// when it returns true. A lock not had in time gives TimedOut and nothing is
+// written. Every failure (lock, read, save) is also reported once through
+// the StoreReporter, after the lock is released.
 Status UpdateDocument(const std::string& path, const std::function<bool(Document&)>& change,
                       const Syntax& syntax = Syntax());
 

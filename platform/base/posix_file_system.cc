@@ -69,6 +69,30 @@ std::string TempPathFor(const std::string& path) {
   return path + suffix;
 }
 
+long TempFileWriter(const std::string& path, const std::string& name) {
+  size_t slash = path.rfind('/');
+  const std::string base = slash == std::string::npos ? path : path.substr(slash + 1);
+  // base "." pid "." 8 hex ".tmp"
+  const std::string_view suffix = ".tmp";
+  std::string_view rest(name);
+  if (base.empty() || rest.size() <= base.size() + 1 || rest.compare(0, base.size(), base) != 0 ||
+      rest[base.size()] != '.')
+    return -1;
+  rest.remove_prefix(base.size() + 1);
+  if (rest.size() < suffix.size() || rest.substr(rest.size() - suffix.size()) != suffix) return -1;
+  rest.remove_suffix(suffix.size());
+  size_t dot = rest.find('.');
+  if (dot == std::string_view::npos || dot == 0 || dot > 9 || rest.size() - dot - 1 != 8) return -1;
+  long pid = 0;
+  for (char c : rest.substr(0, dot)) {
+    if (c < '0' || c > '9') return -1;
+    pid = pid * 10 + (c - '0');
+  }
+  for (char c : rest.substr(dot + 1))
+    if (!((c >= '0' && c <= '9') || (c >= 'a' && c <= 'f'))) return -1;
+  return pid > 0 ? pid : -1;
+}
+
 namespace {
 
 // Opens a regular file for reading; its size goes to *size.
@@ -136,24 +160,38 @@ Status PosixFileSystem::ReadFileToArena(const std::string& path, std::unique_ptr
 }
 
 Status PosixFileSystem::WriteFileAtomic(const std::string& path, std::string_view contents) {
+  return WriteFileAtomicVia(path, TempPathFor(path), contents);
+}
+
+Status PosixFileSystem::WriteFileAtomicVia(const std::string& path, const std::string& temp,
+                                           std::string_view contents) {
   // Keep the permission bits of the file being replaced.
   struct stat st;
   int mode = stat(path.c_str(), &st) == 0 ? static_cast<int>(st.st_mode & 07777) : -1;
-  std::string temp = TempPathFor(path);
-  Status s = WriteTemp(temp, contents, mode);
+  bool created = false;
+  Status s = WriteTemp(temp, contents, mode, &created);
   if (s.ok()) s = Rename(temp, path);
   if (!s.ok()) {
-    unlink(temp.c_str());
+    // Only what this call made: a name that was taken is someone else's.
+    if (created) unlink(temp.c_str());
     return s;
   }
   SyncDir(DirName(path));
   return s;
 }
 
-Status PosixFileSystem::WriteTemp(const std::string& temp, std::string_view contents, int mode) {
-  int fd = open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
-  if (fd < 0) return ErrnoStatus("cannot create " + temp, errno);
-  Status s;
+Status PosixFileSystem::CreateTemp(const std::string& temp, int* fd) {
+  *fd = open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
+  if (*fd < 0) return ErrnoStatus("cannot create " + temp, errno);
+  return Status::OK();
+}
+
+Status PosixFileSystem::WriteTemp(const std::string& temp, std::string_view contents, int mode,
+                                  bool* created) {
+  int fd = -1;
+  Status s = CreateTemp(temp, &fd);
+  if (!s.ok()) return s;
+  *created = true;
   if (mode >= 0 && fchmod(fd, static_cast<mode_t>(mode)) != 0)
     s = ErrnoStatus("cannot set the mode of " + temp, errno);
   if (s.ok()) s = WriteAll(fd, contents, temp);

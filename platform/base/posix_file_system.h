@@ -23,7 +23,10 @@ class PosixFileSystem : public FileSystem {
   // mapped chunks.
   Status ReadFileToArena(const std::string& path, std::unique_ptr<Arena>* arena,
                          std::string_view* contents) override;
+  // Through a temporary file named by TempPathFor.
   Status WriteFileAtomic(const std::string& path, std::string_view contents) override;
+  Status WriteFileAtomicVia(const std::string& path, const std::string& temp,
+                            std::string_view contents) override;
   bool FileExists(const std::string& path) override;
   bool DirExists(const std::string& path) override;
   Status Stat(const std::string& path, FileInfo* info) override;
@@ -33,6 +36,9 @@ class PosixFileSystem : public FileSystem {
   Status RemoveFile(const std::string& path) override;
 
  protected:
+  // Creates the temporary file `temp`, which must not exist yet, for
+  // writing; its descriptor goes to *fd.
+  virtual Status CreateTemp(const std::string& temp, int* fd);
   // Writes all of `data` to the open file `fd`.
   virtual Status WriteAll(int fd, std::string_view data, const std::string& path);
   // Flushes the open file `fd` to disk.
@@ -41,12 +47,19 @@ class PosixFileSystem : public FileSystem {
   virtual Status Rename(const std::string& from, const std::string& to);
 
  private:
-  Status WriteTemp(const std::string& temp, std::string_view contents, int mode);
+  // *created tells whether `temp` was made (and must go again on failure).
+  Status WriteTemp(const std::string& temp, std::string_view contents, int mode, bool* created);
 };
 
 // A name for the temporary file of an atomic write of `path`: in the same
-// folder, unique to this process and call.
+// folder, unique to this process and call, and telling the writer's pid:
+// `path` + "." + decimal pid + "." + 8 lowercase hex digits + ".tmp".
 std::string TempPathFor(const std::string& path);
+
+// The pid of the writer of `name`, a file in the folder of `path` (a name
+// without folder), when TempPathFor(path) could have made it; else -1. It
+// never returns 0 or less for a name, so a caller may hand it to kill().
+long TempFileWriter(const std::string& path, const std::string& name);
 
 }  // namespace cfg
 

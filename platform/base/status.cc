@@ -19,6 +19,9 @@ std::string Status::ToString() const {
     case kInvalidArgument:
       kind = "InvalidArgument";
       break;
+    case kTimedOut:
+      kind = "TimedOut";
+      break;
   }
   return std::string(kind) + ": " + message_;
 }

@@ -9,7 +9,7 @@ namespace cfg {
 // Result of a store operation: ok, or what went wrong and why.
 class Status {
  public:
-  enum Code { kOk = 0, kNotFound, kCorrupt, kIOError, kInvalidArgument };
+  enum Code { kOk = 0, kNotFound, kCorrupt, kIOError, kInvalidArgument, kTimedOut };
 
   Status() = default;
   static Status OK() { return Status(); }
@@ -17,9 +17,12 @@ class Status {
   static Status Corrupt(std::string msg) { return Status(kCorrupt, std::move(msg)); }
   static Status IOError(std::string msg) { return Status(kIOError, std::move(msg)); }
   static Status InvalidArgument(std::string msg) { return Status(kInvalidArgument, std::move(msg)); }
+  // Gave up waiting for something another process holds (a file's lock).
+  static Status TimedOut(std::string msg) { return Status(kTimedOut, std::move(msg)); }
 
   bool ok() const { return code_ == kOk; }
   bool IsNotFound() const { return code_ == kNotFound; }
+  bool IsTimedOut() const { return code_ == kTimedOut; }
   Code code() const { return code_; }
   const std::string& message() const { return message_; }
   // "OK", or "<kind>: <message>".
