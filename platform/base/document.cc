@@ -10,62 +10,62 @@ namespace cfg {
 
 namespace {
 
-bool HasControl(std::string_view text) {
-  for (unsigned char c : text) {
-    if (c < 0x20 || c == 0x7F) return true;
-  }
-  return false;
+const VerbatimLines kNoLines;
+
+void AppendLines(const VerbatimLines& lines, std::string* out) {
+  for (const VerbatimLine& v : lines) out->append(v.text).push_back('\n');
 }
 
-// A name as it can stand on its line: control characters, which could end
-// the line early, become blanks. Names that pass IsValidKey or
-// IsValidSectionName come out unchanged.
-std::string OneLine(std::string_view text) {
-  std::string out(text);
-  for (char& c : out) {
-    unsigned char u = static_cast<unsigned char>(c);
-    if (u < 0x20 || u == 0x7F) c = ' ';
+// The first entry line, "key = value" with the separator between blanks,
+// is the form the lexer reads back as exactly this key and value whatever
+// the key (once KeyReadsBack) and value (once escaped) hold.
+void AppendEntry(const Entry& e, const Markers& m, std::string* out) {
+  out->append(e.key).push_back(' ');
+  out->append(m.separator);
+  if (!e.value.empty()) {
+    out->push_back(' ');
+    if (NeedsQuoting(e.value)) {
+      AppendQuoted(e.value, out);
+    } else {
+      out->append(e.value);
+    }
   }
-  return out;
-}
-
-// OneLine without a copy for the usual name that needs no change.
-void AppendOneLine(std::string_view text, std::string* out) {
-  if (HasControl(text)) {
-    out->append(OneLine(text));
-  } else {
-    out->append(text);
-  }
-}
-
-void AppendValue(std::string_view value, std::string* out) {
-  if (NeedsQuoting(value)) {
-    AppendQuoted(value, out);
-  } else {
-    out->append(value);
-  }
+  out->push_back('\n');
 }
 
 void AppendSection(const Section& section, const Markers& m, std::string* out) {
-  out->append(m.keyword).push_back(' ');
-  AppendOneLine(section.name, out);
-  out->push_back('\n');
+  out->append(m.keyword);
+  if (!section.name.empty()) out->push_back(' ');
+  out->append(section.name).push_back('\n');
   out->append(m.opener).push_back('\n');
-  for (const Entry& e : section.entries) {
-    AppendOneLine(e.key, out);
-    out->push_back(' ');
-    out->append(m.separator);
-    if (!e.value.empty()) {
-      out->push_back(' ');
-      AppendValue(e.value, out);
-    }
-    out->push_back('\n');
+  const VerbatimLines& body = section.verbatim();
+  size_t next = 0;
+  for (size_t i = 0; i < section.entries.size(); ++i) {
+    for (; next < body.size() && body[next].position <= i; ++next)
+      out->append(body[next].text).push_back('\n');
+    const Entry& e = section.entries[i];
+    if (KeyReadsBack(e.key, m)) AppendEntry(e, m, out);
   }
+  for (; next < body.size(); ++next) out->append(body[next].text).push_back('\n');
   out->append(m.closer).push_back('\n');
 }
 
-bool IsOneTrimmedLine(std::string_view text) {
-  return !text.empty() && !HasControl(text) && TrimBlanks(text).size() == text.size();
+bool SameLines(const VerbatimLines& a, const VerbatimLines& b) {
+  if (a.size() != b.size()) return false;
+  for (size_t i = 0; i < a.size(); ++i) {
+    if (a[i].text != b[i].text || a[i].position != b[i].position) return false;
+  }
+  return true;
+}
+
+bool SameSection(const Section& a, const Section& b) {
+  if (a.name != b.name || a.entries.size() != b.entries.size()) return false;
+  for (size_t i = 0; i < a.entries.size(); ++i) {
+    if (a.entries[i].key != b.entries[i].key || a.entries[i].value != b.entries[i].value)
+      return false;
+  }
+  return SameLines(a.verbatim_before(), b.verbatim_before()) &&
+         SameLines(a.verbatim(), b.verbatim());
 }
 
 }  // namespace
@@ -84,6 +84,14 @@ Entry* Section::Find(std::string_view key) {
 std::string_view Section::Get(std::string_view key) const {
   const Entry* e = Find(key);
   return e ? e->value : std::string_view();
+}
+
+const VerbatimLines& Section::verbatim() const {
+  return verbatim_ ? verbatim_->body : kNoLines;
+}
+
+const VerbatimLines& Section::verbatim_before() const {
+  return verbatim_ ? verbatim_->before : kNoLines;
 }
 
 std::string Diagnostic::Format(std::string_view file) const {
@@ -111,7 +119,10 @@ Document& Document::operator=(Document&& other) noexcept {
   buffer_ = std::move(other.buffer_);
   text_ = other.text_;
   arena_ = std::move(other.arena_);
+  verbatim_ = std::move(other.verbatim_);
+  verbatim_after_ = std::move(other.verbatim_after_);
   diagnostics_ = std::move(other.diagnostics_);
+  scratch_ = Section();
   return *this;
 }
 
@@ -145,8 +156,16 @@ std::string Document::Serialize(const Syntax& syntax) const {
   }
   out.reserve(estimate);
   for (size_t i = 0; i < sections_.size(); ++i) {
+    const Section& section = sections_[i];
     if (i > 0) out.push_back('\n');
-    AppendSection(sections_[i], markers, &out);
+    // The lines before a header follow a closer or start the text: they are
+    // read outside any section again, where they are refused again.
+    AppendLines(section.verbatim_before(), &out);
+    if (NameReadsBack(section.name)) AppendSection(section, markers, &out);
+  }
+  if (!verbatim_after_.empty()) {
+    if (!sections_.empty()) out.push_back('\n');
+    AppendLines(verbatim_after_, &out);
   }
   return out;
 }
@@ -162,32 +181,54 @@ const Section* Document::Find(std::string_view name) const {
   return const_cast<Document*>(this)->Find(name);
 }
 
-Section& Document::Add(std::string_view name) {
+Section* Document::TryAdd(std::string_view name) {
+  if (!IsValidSectionName(name)) return nullptr;
   Section section(memory_.get());
-  section.name = Intern(TrimBlanks(OneLine(name)));
+  section.name = Intern(name);
   sections_.push_back(std::move(section));
-  return sections_.back();
+  return &sections_.back();
+}
+
+Section& Document::Add(std::string_view name) {
+  if (Section* added = TryAdd(name)) return *added;
+  scratch_ = Section();
+  return scratch_;
 }
 
 void Document::Erase(size_t index) {
-  if (index < sections_.size()) sections_.erase(sections_.begin() + static_cast<long>(index));
+  if (index >= sections_.size()) return;
+  const VerbatimLines& before = sections_[index].verbatim_before();
+  if (!before.empty()) {
+    VerbatimLines* into = index + 1 < sections_.size()
+                              ? &VerbatimOf(sections_[index + 1]).before
+                              : &verbatim_after_;
+    into->insert(into->begin(), before.begin(), before.end());
+  }
+  sections_.erase(sections_.begin() + static_cast<long>(index));
 }
 
-void Document::Set(Section& section, std::string_view key, std::string_view value) {
-  if (!IsValidKey(key)) return;
+bool Document::Set(Section& section, std::string_view key, std::string_view value) {
+  if (!IsValidKey(key)) return false;
   if (Entry* e = section.Find(key)) {
     if (e->value != value) e->value = Intern(value);
-    return;
+    return true;
   }
   section.entries.push_back(Entry{Intern(key), Intern(value), 0});
+  return true;
 }
 
 void Document::Remove(Section& section, std::string_view key) {
   EntryList& entries = section.entries;
+  VerbatimLines* body = section.verbatim_ ? &section.verbatim_->body : nullptr;
+  size_t next = 0;
   size_t kept = 0;
   for (size_t i = 0; i < entries.size(); ++i) {
+    // A verbatim line stays before the entry it stood before.
+    for (; body && next < body->size() && (*body)[next].position <= i; ++next)
+      (*body)[next].position = static_cast<uint32_t>(kept);
     if (entries[i].key != key) entries[kept++] = entries[i];
   }
+  for (; body && next < body->size(); ++next) (*body)[next].position = static_cast<uint32_t>(kept);
   entries.resize(kept);
 }
 
@@ -196,21 +237,29 @@ std::string_view Document::Intern(std::string_view text) {
   return arena_.back();
 }
 
+SectionVerbatim& Document::VerbatimOf(Section& section) {
+  if (section.verbatim_ == nullptr) {
+    verbatim_.emplace_back();
+    section.verbatim_ = &verbatim_.back();
+  }
+  return *section.verbatim_;
+}
+
+bool operator==(const Document& a, const Document& b) {
+  if (a.size() != b.size()) return false;
+  for (size_t i = 0; i < a.size(); ++i) {
+    if (!SameSection(a[i], b[i])) return false;
+  }
+  return SameLines(a.verbatim_after(), b.verbatim_after());
+}
+
 bool IsValidKey(std::string_view key, const Syntax& syntax) {
-  const Markers m(syntax);
-  if (!IsOneTrimmedLine(key)) return false;
-  if (key.find(m.separator) != std::string_view::npos) return false;
-  if (key.compare(0, m.comment.size(), m.comment) == 0) return false;
-  // A key that reads as a section line: the keyword alone or followed by a blank.
-  if (key.compare(0, m.keyword.size(), m.keyword) == 0 &&
-      (key.size() == m.keyword.size() || IsBlank(key[m.keyword.size()])))
-    return false;
-  return key != m.opener && key != m.closer;
+  return KeyReadsBack(key, Markers(syntax));
 }
 
 bool IsValidSectionName(std::string_view name, const Syntax& syntax) {
-  (void)syntax;  // the rest of a section line is its name, whatever it holds
-  return IsOneTrimmedLine(name);
+  (void)syntax;  // the rest of a section line is its name, whatever the markers
+  return !name.empty() && NameReadsBack(name);
 }
 
 }  // namespace cfg

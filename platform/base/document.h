@@ -21,6 +21,10 @@ namespace cfg {
 //   {
 //   key = value
 //   }
+//
+// A marker must not hold a blank or a control character, and the keyword,
+// opener and closer must differ and must not start with the comment marker;
+// otherwise the default markers are used (see Markers).
 struct Syntax {
   std::string keyword = "section";
   std::string opener = "{";
@@ -41,6 +45,24 @@ struct Entry {
 // Entry and section tables of a parsed document live in its arena.
 using EntryList = std::vector<Entry, ArenaAllocator<Entry>>;
 
+// A line the parser did not take into the document (a line that is not
+// "key = value", an entry outside a section, a key or section name that
+// would not be written back as it is read), kept as written so that a save
+// writes it back unchanged. Such a line is never read: written back where
+// it was found, it is rejected again.
+struct VerbatimLine {
+  std::string_view text;  // the line without its line break
+  uint32_t line = 0;      // 1-based line in the parsed text
+  uint32_t position = 0;  // in a section's body: the number of entries before it
+};
+using VerbatimLines = std::vector<VerbatimLine>;
+
+// The verbatim lines that belong to one section; held by its Document.
+struct SectionVerbatim {
+  VerbatimLines before;  // outside any section, before the section's header
+  VerbatimLines body;    // inside its body, by position
+};
+
 struct Section {
   Section() = default;
   explicit Section(Arena* arena) : entries(ArenaAllocator<Entry>(arena)) {}
@@ -55,6 +77,17 @@ struct Section {
   // Value of the first entry with that key, or "" when there is none.
   std::string_view Get(std::string_view key) const;
   bool Has(std::string_view key) const { return Find(key) != nullptr; }
+
+  // Verbatim lines of the body, in file order; each is written back before
+  // the entry at its position (after the last entry when beyond them).
+  const VerbatimLines& verbatim() const;
+  // Verbatim lines outside any section just before this one's header.
+  const VerbatimLines& verbatim_before() const;
+
+ private:
+  friend class Document;
+  friend class Parser;
+  SectionVerbatim* verbatim_ = nullptr;  // owned by the document; null when none
 };
 
 // A problem found while parsing; the parse goes on after it.
@@ -82,18 +115,26 @@ class Document {
 
   // Parses `text`, keeping it as the storage the views point into. Never
   // fails and never throws on bad input: what is well formed is kept, the
-  // rest is reported in diagnostics(). A section without its closer ends at
-  // the next section line or at the end of the text.
+  // rest is reported in diagnostics() and kept as verbatim lines. A section
+  // without its closer ends at the next section line or at the end of the
+  // text. A section whose name would not be written back as read is not
+  // taken: its lines, header to closer, are kept verbatim.
   static Document Parse(std::string text, const Syntax& syntax = Syntax());
   // The same for a text that lives in `arena`, which the document takes
   // over to hold its tables as well.
   static Document Parse(std::unique_ptr<Arena> arena, std::string_view text,
                         const Syntax& syntax = Syntax());
 
-  // The text of the document; Parse(Serialize()) gives back the same
-  // sections, keys and values. Values that could not stand on one line as
-  // they are (line breaks, control characters, surrounding blanks, a leading
-  // double quote) are written quoted with backslash escapes.
+  // The text of the document. For every document the parser produces and
+  // every change made through Set, Add and Remove, Parse(Serialize()) is
+  // equal (operator==) to the document: the same sections, keys, values and
+  // verbatim lines. Values that could not stand on one line as they are
+  // (line breaks, control characters, surrounding blanks, a leading double
+  // quote) are written quoted with backslash escapes; verbatim lines are
+  // written as they were read. A key or section name put into the tables
+  // directly that would not read back (see IsValidKey) is left out with its
+  // entry or section rather than written as something else. Comments and
+  // blank lines of the parsed text are not kept.
   std::string Serialize(const Syntax& syntax = Syntax()) const;
 
   size_t size() const { return sections_.size(); }
@@ -108,16 +149,28 @@ class Document {
   Section* Find(std::string_view name);
   const Section* Find(std::string_view name) const;
 
-  // Appends an empty section; the name is copied. Returns it (the reference
-  // is valid until sections are added or erased).
+  // Appends an empty section named `name` (copied) and returns it; the
+  // pointer is valid until sections are added or erased. nullptr, and
+  // nothing added, when the name fails IsValidSectionName.
+  Section* TryAdd(std::string_view name);
+  // TryAdd for names the caller knows to be valid. A name that is not is
+  // refused all the same: the document is left unchanged and the section
+  // returned is a scratch one that is never saved.
   Section& Add(std::string_view name);
+  // Removes the section at `index` (nothing when out of range). Verbatim
+  // lines before its header stay, before the next section.
   void Erase(size_t index);
 
   // Sets the first entry with `key` to `value`, or appends the entry when
-  // there is none. Both texts are copied into the document.
-  void Set(Section& section, std::string_view key, std::string_view value);
-  // Removes every entry with `key`.
+  // there is none; both texts are copied into the document. Any value is
+  // accepted and reads back identical after a save. False, and nothing
+  // changed, when the key fails IsValidKey.
+  bool Set(Section& section, std::string_view key, std::string_view value);
+  // Removes every entry with `key`; verbatim lines of the body stay.
   void Remove(Section& section, std::string_view key);
+
+  // Verbatim lines after the last section.
+  const VerbatimLines& verbatim_after() const { return verbatim_after_; }
 
   // Copies `text` into storage owned by the document and returns a view of
   // the copy.
@@ -131,14 +184,30 @@ class Document {
   std::deque<std::string> arena_;        // decoded or later-set texts
   std::unique_ptr<Arena> memory_;        // the tables below; declared first, freed last
   SectionList sections_;
+  std::deque<SectionVerbatim> verbatim_;  // what sections point to; rarely any
+  VerbatimLines verbatim_after_;
   std::vector<Diagnostic> diagnostics_;
+  Section scratch_;                      // what Add returns for a refused name
+
+  SectionVerbatim& VerbatimOf(Section& section);
 
   friend class Parser;
 };
 
-// Checks a key or section name chosen by code: not empty, one line, no
-// separator, not a marker. Values need no check (they are escaped).
+// Same sections in the same order with the same names, entries (keys and
+// values) and verbatim lines (texts and positions). Line numbers and
+// diagnostics are not compared.
+bool operator==(const Document& a, const Document& b);
+inline bool operator!=(const Document& a, const Document& b) { return !(a == b); }
+
+// True when an entry with this key is written back as exactly this key:
+// not empty, no control character but the tab, no blank at either end, no separator,
+// not starting with the comment marker, not the keyword alone or followed
+// by a blank. The parser keeps an entry whose key fails this only as a
+// verbatim line. Values need no check (they are escaped).
 bool IsValidKey(std::string_view key, const Syntax& syntax = Syntax());
+// True when a section of this name is written back as exactly this name:
+// not empty, no control character but the tab, no blank at either end.
 bool IsValidSectionName(std::string_view name, const Syntax& syntax = Syntax());
 
 }  // namespace cfg

@@ -6,13 +6,6 @@ namespace cfg {
 
 namespace {
 
-std::string Normalized(std::string marker, const std::string& fallback) {
-  while (!marker.empty() && (marker.back() == '\n' || marker.back() == '\r'))
-    marker.pop_back();
-  std::string_view trimmed = TrimBlanks(marker);
-  return trimmed.empty() ? fallback : std::string(trimmed);
-}
-
 // The first bytes are compared inline: most lines differ from every marker
 // right there, and a call to compare costs more than the test.
 bool StartsWith(std::string_view text, std::string_view prefix) {
@@ -28,6 +21,33 @@ size_t FindSeparator(std::string_view text, const std::string& separator) {
   return text.find(separator);
 }
 
+// The marker as it is matched, or the fallback when it cannot be used.
+// Written lines put a blank between a key and the separator and between
+// the keyword and the name; a blank inside a marker would let those blanks
+// complete it.
+std::string Normalized(std::string marker, const std::string& fallback) {
+  while (!marker.empty() && (marker.back() == '\n' || marker.back() == '\r'))
+    marker.pop_back();
+  std::string_view trimmed = TrimBlanks(marker);
+  if (trimmed.empty()) return fallback;
+  for (char c : trimmed) {
+    unsigned char u = static_cast<unsigned char>(c);
+    if (IsBlank(c) || u < 0x20 || u == 0x7F) return fallback;
+  }
+  return std::string(trimmed);
+}
+
+// True when every line the serializer writes reads back as the kind it was
+// written as. Lines are classified in the order comment, section, opener,
+// closer, entry; entry lines are covered by KeyReadsBack, and none of the
+// markers holds a blank, so a section line matters only as the bare keyword.
+bool Consistent(const Markers& m) {
+  for (const std::string* line : {&m.keyword, &m.opener, &m.closer}) {
+    if (StartsWith(*line, m.comment)) return false;
+  }
+  return m.opener != m.keyword && m.closer != m.keyword && m.opener != m.closer;
+}
+
 }  // namespace
 
 Markers::Markers(const Syntax& syntax) {
@@ -37,6 +57,36 @@ Markers::Markers(const Syntax& syntax) {
   closer = Normalized(syntax.closer, defaults.closer);
   separator = Normalized(syntax.separator, defaults.separator);
   comment = Normalized(syntax.comment, defaults.comment);
+  if (!Consistent(*this)) {
+    keyword = defaults.keyword;
+    opener = defaults.opener;
+    closer = defaults.closer;
+    separator = defaults.separator;
+    comment = defaults.comment;
+  }
+}
+
+size_t FindNameControl(std::string_view text) {
+  for (size_t i = 0; i < text.size(); ++i) {
+    if (IsNameControl(text[i])) return i;
+  }
+  return std::string_view::npos;
+}
+
+bool StartsSectionLine(std::string_view text, const Markers& markers) {
+  const std::string& keyword = markers.keyword;
+  if (!StartsWith(text, keyword)) return false;
+  return text.size() == keyword.size() || IsBlank(text[keyword.size()]);
+}
+
+bool KeyReadsBack(std::string_view key, const Markers& markers) {
+  if (key.empty() || IsBlank(key.front()) || IsBlank(key.back()) || HasNameControl(key)) return false;
+  if (FindSeparator(key, markers.separator) != std::string_view::npos) return false;
+  return !StartsWith(key, markers.comment) && !StartsSectionLine(key, markers);
+}
+
+bool NameReadsBack(std::string_view name) {
+  return name.empty() || (!IsBlank(name.front()) && !IsBlank(name.back()) && !HasNameControl(name));
 }
 
 Lexer::Lexer(std::string_view input, const Markers& markers)
@@ -48,7 +98,9 @@ bool Lexer::Next(Token* token) {
   const char* line_end = nl ? nl : end_;
   std::string_view text(pos_, line_end - pos_);
   pos_ = nl ? nl + 1 : end_;
-  if (!text.empty() && text.back() == '\r') text.remove_suffix(1);
+  // Every '\r' at the end goes, not just one: a line kept as written must
+  // not end with one, or writing it back with "\n" would change it.
+  while (!text.empty() && text.back() == '\r') text.remove_suffix(1);
 
   if (line_ != UINT32_MAX) ++line_;
   token->line = line_;
@@ -63,7 +115,7 @@ void Lexer::Classify(std::string_view trimmed, Token* token) const {
     token->kind = Token::kBlank;
   } else if (StartsWith(trimmed, markers_.comment)) {
     token->kind = Token::kComment;
-  } else if (IsSectionLine(trimmed)) {
+  } else if (StartsSectionLine(trimmed, markers_)) {
     token->kind = Token::kSection;
     token->name = TrimBlanks(trimmed.substr(markers_.keyword.size()));
   } else if (trimmed == markers_.opener) {
@@ -73,14 +125,6 @@ void Lexer::Classify(std::string_view trimmed, Token* token) const {
   } else {
     SplitEntry(trimmed, token);
   }
-}
-
-// The keyword followed by a blank, or alone. A key equal to the keyword is
-// therefore never an entry; IsValidKey refuses such keys.
-bool Lexer::IsSectionLine(std::string_view trimmed) const {
-  const std::string& keyword = markers_.keyword;
-  if (!StartsWith(trimmed, keyword)) return false;
-  return trimmed.size() == keyword.size() || IsBlank(trimmed[keyword.size()]);
 }
 
 void Lexer::SplitEntry(std::string_view trimmed, Token* token) const {

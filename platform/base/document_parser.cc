@@ -51,48 +51,84 @@ void Parser::Run() {
         OnEntry(token);
         break;
       case Token::kJunk:
-        Report(token, TrimBlanks(token.text),
-               "expected 'key " + markers_.separator + " value'");
+        OnJunk(token);
         break;
     }
   }
-  if (state_ != kOutside) {
+  if (state_ == kBeforeOpener || state_ == kInside) {
     Report(open_section_, open_section_.text.substr(open_section_.text.size()),
            "section is not closed with '" + markers_.closer + "'");
     EndSection();
   }
+  doc_->verbatim_after_ = std::move(outside_);
 }
 
 void Parser::OnSection(const Token& token) {
-  if (state_ != kOutside) {
+  if (state_ == kBeforeOpener || state_ == kInside) {
     Report(token, TrimBlanks(token.text),
            "expected '" + markers_.closer + "' before the next section");
     EndSection();
+  }
+  size_t bad = FindNameControl(token.name);
+  if (bad != std::string_view::npos) {
+    // Written back under any other name it would be another section (a
+    // "contact 9" with a control character after it would become contact 9).
+    Report(token, token.name.substr(bad),
+           "control character in section name; the section is kept as written, not read");
+    state_ = kRefused;
+    KeepOutside(token);
+    return;
   }
   StartSection(token);
 }
 
 void Parser::OnOpener(const Token& token) {
-  if (state_ == kBeforeOpener) {
-    state_ = kInside;
-    return;
+  switch (state_) {
+    case kBeforeOpener:
+      state_ = kInside;
+      return;
+    case kRefused:
+      KeepOutside(token);
+      return;
+    case kOutside:
+      Report(token, TrimBlanks(token.text), "unexpected '" + markers_.opener + "'");
+      KeepOutside(token);
+      return;
+    case kInside:
+      Report(token, TrimBlanks(token.text), "unexpected '" + markers_.opener + "'");
+      KeepInBody(token);
+      return;
   }
-  Report(token, TrimBlanks(token.text), "unexpected '" + markers_.opener + "'");
 }
 
 void Parser::OnCloser(const Token& token) {
-  if (state_ == kOutside) {
-    Report(token, TrimBlanks(token.text), "unexpected '" + markers_.closer + "'");
-    return;
+  switch (state_) {
+    case kRefused:
+      KeepOutside(token);
+      state_ = kOutside;
+      return;
+    case kOutside:
+      Report(token, TrimBlanks(token.text), "unexpected '" + markers_.closer + "'");
+      KeepOutside(token);
+      return;
+    case kBeforeOpener:
+      Report(token, TrimBlanks(token.text), "expected '" + markers_.opener + "'");
+      EndSection();
+      return;
+    case kInside:
+      EndSection();
+      return;
   }
-  if (state_ == kBeforeOpener)
-    Report(token, TrimBlanks(token.text), "expected '" + markers_.opener + "'");
-  EndSection();
 }
 
 void Parser::OnEntry(const Token& token) {
+  if (state_ == kRefused) {
+    KeepOutside(token);
+    return;
+  }
   if (state_ == kOutside) {
     Report(token, TrimBlanks(token.text), "entry outside a section");
+    KeepOutside(token);
     return;
   }
   if (state_ == kBeforeOpener) {
@@ -100,11 +136,45 @@ void Parser::OnEntry(const Token& token) {
     Report(token, TrimBlanks(token.text), "expected '" + markers_.opener + "'");
     state_ = kInside;
   }
-  if (token.name.empty()) {
+  const std::string_view key = token.name;
+  if (key.empty()) {
     Report(token, token.separator, "missing key before '" + markers_.separator + "'");
+    KeepInBody(token);
     return;
   }
-  entries_.push_back(Entry{token.name, DecodeValue(token), token.line});
+  // The key starts the trimmed line and ends before the first separator,
+  // so it cannot be blank-padded, hold the separator or start with the
+  // comment marker or the keyword and a blank. What is left of KeyReadsBack:
+  if (HasNameControl(key)) {
+    // Written back, "\v section x = 1" or "\x01# = 1" would be a section
+    // line or a comment.
+    Report(token, key.substr(FindNameControl(key)),
+           "control character in key; the line is kept as written, not read");
+    KeepInBody(token);
+    return;
+  }
+  if (key == markers_.keyword) {
+    // "section=x": written back as "section = x" it would be a section line.
+    Report(token, key,
+           "key '" + markers_.keyword + "' would be written as a section line; the line is "
+           "kept as written, not read");
+    KeepInBody(token);
+    return;
+  }
+  entries_.push_back(Entry{key, DecodeValue(token), token.line});
+}
+
+void Parser::OnJunk(const Token& token) {
+  if (state_ == kRefused) {
+    KeepOutside(token);
+    return;
+  }
+  Report(token, TrimBlanks(token.text), "expected 'key " + markers_.separator + " value'");
+  if (state_ == kOutside) {
+    KeepOutside(token);
+  } else {
+    KeepInBody(token);
+  }
 }
 
 void Parser::StartSection(const Token& token) {
@@ -112,6 +182,9 @@ void Parser::StartSection(const Token& token) {
   open_section_ = token;
   state_ = kBeforeOpener;
   entries_.clear();
+  body_.clear();
+  before_.swap(outside_);
+  outside_.clear();
 }
 
 void Parser::EndSection() {
@@ -121,9 +194,23 @@ void Parser::EndSection() {
   // An exact-size copy: one allocation per section instead of a growing
   // vector's several.
   section.entries.assign(entries_.begin(), entries_.end());
+  if (!before_.empty() || !body_.empty()) {
+    doc_->verbatim_.push_back(SectionVerbatim{std::move(before_), std::move(body_)});
+    section.verbatim_ = &doc_->verbatim_.back();
+    before_.clear();
+    body_.clear();
+  }
   doc_->sections_.push_back(std::move(section));
   entries_.clear();
   state_ = kOutside;
+}
+
+void Parser::KeepInBody(const Token& token) {
+  body_.push_back(VerbatimLine{token.text, token.line, static_cast<uint32_t>(entries_.size())});
+}
+
+void Parser::KeepOutside(const Token& token) {
+  outside_.push_back(VerbatimLine{token.text, token.line, 0});
 }
 
 std::string_view Parser::DecodeValue(const Token& token) {

@@ -13,8 +13,10 @@ namespace cfg {
 
 // The grammar of the multi-section format: which line may follow which.
 // It fills a Document from the text the document already owns, keeping
-// every well-formed section and entry and reporting the rest as
-// diagnostics. The document must outlive the parser.
+// every well-formed section and entry, and every other line that is not a
+// comment or blank as a verbatim line, reporting them as diagnostics. An
+// entry or section is taken only when the serializer writes it back as
+// read. The document must outlive the parser.
 class Parser {
  public:
   // At most this many diagnostics are kept; a file of garbage would
@@ -25,14 +27,21 @@ class Parser {
   void Run();
 
  private:
-  enum State { kOutside, kBeforeOpener, kInside };
+  // kRefused: inside a section whose name was refused; its lines are kept
+  // verbatim outside any section until its closer or the next section line.
+  enum State { kOutside, kBeforeOpener, kInside, kRefused };
 
   void OnSection(const Token& token);
   void OnOpener(const Token& token);
   void OnCloser(const Token& token);
   void OnEntry(const Token& token);
+  void OnJunk(const Token& token);
   void StartSection(const Token& token);
   void EndSection();
+  // Keeps the line verbatim where it stands: in the open section's body, or
+  // outside before the next section.
+  void KeepInBody(const Token& token);
+  void KeepOutside(const Token& token);
   std::string_view DecodeValue(const Token& token);
   void Report(const Token& token, std::string_view spot, std::string message);
 
@@ -41,6 +50,9 @@ class Parser {
   State state_ = kOutside;
   Token open_section_;          // header line of the section being filled
   std::vector<Entry> entries_;  // entries of that section, moved in at its end
+  VerbatimLines body_;          // verbatim lines of that section's body
+  VerbatimLines before_;        // verbatim lines before its header
+  VerbatimLines outside_;       // verbatim lines since the last section line
   std::string scratch_;
 };
 

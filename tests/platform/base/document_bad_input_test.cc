@@ -7,6 +7,12 @@
 namespace cfg {
 namespace {
 
+// A literal with the NUL bytes it holds.
+template <size_t N>
+std::string Bytes(const char (&text)[N]) {
+  return std::string(text, N - 1);
+}
+
 class BadInputTest : public ::testing::Test {
  protected:
   static std::string Formatted(const Document& doc, size_t i) {
@@ -14,11 +20,16 @@ class BadInputTest : public ::testing::Test {
   }
 };
 
-TEST_F(BadInputTest, EntryWithoutSeparatorIsReportedWithCaret) {
+TEST_F(BadInputTest, EntryWithoutSeparatorIsReportedWithCaretAndKeptVerbatim) {
   Document doc = Document::Parse("section s\n{\n  just words\nk = v\n}\n");
   ASSERT_EQ(1u, doc.diagnostics().size());
   EXPECT_EQ("users.cfg:3: expected 'key = value'\n  just words\n  ^", Formatted(doc, 0));
   EXPECT_EQ("v", doc[0].Get("k"));
+  ASSERT_EQ(1u, doc[0].verbatim().size());
+  EXPECT_EQ("  just words", doc[0].verbatim()[0].text);
+  EXPECT_EQ(0u, doc[0].verbatim()[0].position);
+  EXPECT_EQ(3u, doc[0].verbatim()[0].line);
+  EXPECT_EQ("section s\n{\n  just words\nk = v\n}\n", doc.Serialize());
 }
 
 TEST_F(BadInputTest, MissingCloserEndsSectionAtNextSectionAndAtEnd) {
@@ -33,7 +44,7 @@ TEST_F(BadInputTest, MissingCloserEndsSectionAtNextSectionAndAtEnd) {
             Formatted(doc, 1));
 }
 
-TEST_F(BadInputTest, StrayLinesAreReportedAndSkipped) {
+TEST_F(BadInputTest, StrayLinesAreReportedAndKeptWhereTheyStood) {
   Document doc = Document::Parse(
       "orphan = 1\n"   // 1: outside any section
       "}\n"            // 2
@@ -42,19 +53,91 @@ TEST_F(BadInputTest, StrayLinesAreReportedAndSkipped) {
       "{\n"            // 5: now unexpected
       " = nokey\n"     // 6
       "k = \"a\\qb\"\n"  // 7: unknown escape kept literally
-      "}\n");
+      "}\n"
+      "{\n");          // 9: after the section
   ASSERT_EQ(1u, doc.size());
   EXPECT_EQ("2", doc[0].Get("early"));
   EXPECT_EQ("a\\qb", doc[0].Get("k"));
   EXPECT_EQ(2u, doc[0].entries.size());
   const auto& d = doc.diagnostics();
-  ASSERT_EQ(6u, d.size());
+  ASSERT_EQ(7u, d.size());
   EXPECT_EQ("entry outside a section", d[0].message);
   EXPECT_EQ("unexpected '}'", d[1].message);
   EXPECT_EQ("expected '{'", d[2].message);
   EXPECT_EQ("unexpected '{'", d[3].message);
   EXPECT_EQ("users.cfg:6: missing key before '='\n = nokey\n ^", Formatted(doc, 4));
   EXPECT_EQ("users.cfg:7: invalid escape sequence\nk = \"a\\qb\"\n      ^", Formatted(doc, 5));
+  EXPECT_EQ("users.cfg:9: unexpected '{'\n{\n^", Formatted(doc, 6));
+
+  // Every line is written back; none of the kept ones is read on the way.
+  EXPECT_EQ(
+      "orphan = 1\n}\nsection s\n{\nearly = 2\n{\n = nokey\nk = a\\qb\n}\n\n{\n",
+      doc.Serialize());
+  Document back = Document::Parse(doc.Serialize());
+  EXPECT_TRUE(back == doc);
+  EXPECT_EQ(doc.Serialize(), back.Serialize());
+}
+
+TEST_F(BadInputTest, KeysThatWouldBeWrittenAsSomethingElseAreKeptVerbatim) {
+  Document doc = Document::Parse(Bytes(
+      "section s\n{\n"
+      "section=x\n"          // 3: would be written "section = x", a section line
+      "\vsection y = 1\n"   // 4: would be written " section y = 1"
+      "\x01# = 2\n"         // 5: would be written " # = 2", a comment
+      "nul\0 = 3\n"         // 6
+      "a\tb = 4\n"          // a tab inside a key reads back as written
+      "}\n"));
+  ASSERT_EQ(1u, doc.size());
+  ASSERT_EQ(1u, doc[0].entries.size());
+  EXPECT_EQ("4", doc[0].Get("a\tb"));
+  ASSERT_EQ(4u, doc[0].verbatim().size());
+  EXPECT_EQ("section=x", doc[0].verbatim()[0].text);
+  EXPECT_EQ(Bytes("nul\0 = 3"), doc[0].verbatim()[3].text);
+  ASSERT_EQ(4u, doc.diagnostics().size());
+  EXPECT_EQ(
+      "users.cfg:3: key 'section' would be written as a section line; the line is kept as "
+      "written, not read\nsection=x\n^",
+      Formatted(doc, 0));
+  EXPECT_EQ(
+      "users.cfg:4: control character in key; the line is kept as written, not read\n"
+      "?section y = 1\n^",
+      Formatted(doc, 1));
+  EXPECT_EQ(6u, doc.diagnostics()[3].line);
+  EXPECT_EQ(3u, doc.diagnostics()[3].column);
+  EXPECT_NE(std::string::npos, doc.Serialize().find(Bytes("\n\x01# = 2\nnul\0 = 3\n")));
+}
+
+TEST_F(BadInputTest, SectionWithControlCharacterInItsNameIsKeptWholeAndNotRead) {
+  Document doc = Document::Parse(
+      "section a\n{\n}\n"
+      "section contact 9\x01\n{\nname = 9\n{\n}\n"  // 4-8: kept, header to closer
+      "}\n"                                          // 9: an ordinary stray closer
+      "section b\n{\n"
+      "k = 1\n"
+      "section c\x7f\n"                             // 13: ends b, kept to the end
+      "d = 1\n");
+  ASSERT_EQ(2u, doc.size());
+  EXPECT_EQ(nullptr, doc.Find("contact 9"));
+  EXPECT_EQ("1", doc.Find("b")->Get("k"));
+  EXPECT_TRUE(doc[0].verbatim_before().empty());
+  ASSERT_EQ(6u, doc[1].verbatim_before().size());
+  EXPECT_EQ("section contact 9\x01", doc[1].verbatim_before()[0].text);
+  EXPECT_EQ("}", doc[1].verbatim_before()[5].text);
+  ASSERT_EQ(2u, doc.verbatim_after().size());
+  EXPECT_EQ("d = 1", doc.verbatim_after()[1].text);
+  const auto& d = doc.diagnostics();
+  ASSERT_EQ(4u, d.size());
+  EXPECT_EQ(
+      "users.cfg:4: control character in section name; the section is kept as written, not "
+      "read\nsection contact 9?\n                 ^",
+      Formatted(doc, 0));
+  EXPECT_EQ("unexpected '}'", d[1].message);
+  EXPECT_EQ("expected '}' before the next section", d[2].message);
+  EXPECT_EQ(13u, d[3].line);
+
+  Document back = Document::Parse(doc.Serialize());
+  EXPECT_TRUE(back == doc) << doc.Serialize();
+  EXPECT_EQ(nullptr, back.Find("contact 9"));
 }
 
 TEST_F(BadInputTest, SectionWithoutNameStillHoldsItsEntries) {

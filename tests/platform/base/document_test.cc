@@ -115,17 +115,41 @@ TEST_F(DocumentTest, ValueCannotCloseItsSectionOrOpenAnother) {
   EXPECT_EQ(doc[0].Get("note"), back[0].Get("note"));
 }
 
-TEST_F(DocumentTest, SetRefusesKeysThatCannotBeWritten) {
+TEST_F(DocumentTest, SetRefusesKeysThatWouldNotReadBackAndKeepsTheRest) {
   Document doc;
   Section& s = doc.Add("s");
-  for (const char* bad : {"", " k", "k ", "a=b", "line\nbreak", "#k", "section", "section x", "{",
-                          "}"}) {
+  const std::string refused[] = {"",          " k",        "k ",        "a=b",  "line\nbreak",
+                                 "#k",        "section",   "section x", "section\tx",
+                                 "v\vtab",    std::string("nul\0", 4), "\x01#",
+                                 "del\x7f",  "cr\r"};
+  for (const std::string& bad : refused) {
     EXPECT_FALSE(IsValidKey(bad)) << bad;
-    doc.Set(s, bad, "v");
+    EXPECT_FALSE(doc.Set(s, bad, "v")) << bad;
   }
   EXPECT_TRUE(s.entries.empty());
-  EXPECT_TRUE(IsValidKey("section_count"));
-  EXPECT_TRUE(IsValidKey("user name"));
+  // Keys that merely look like markers read back as themselves.
+  for (const char* good : {"section_count", "sectionx", "user name", "{", "}", "k#", "tab\tin", "\xff\xfe"}) {
+    EXPECT_TRUE(IsValidKey(good)) << good;
+    EXPECT_TRUE(doc.Set(s, good, "v")) << good;
+  }
+  Document back = RoundTrip(doc);
+  EXPECT_TRUE(back == doc) << doc.Serialize();
+  EXPECT_TRUE(back.diagnostics().empty()) << Messages(back);
+}
+
+TEST_F(DocumentTest, KeyValidityFollowsTheMarkers) {
+  Syntax syntax;
+  syntax.keyword = "block";
+  syntax.separator = ":=";
+  syntax.comment = "//";
+  EXPECT_TRUE(IsValidKey("a=b", syntax));
+  EXPECT_TRUE(IsValidKey("section", syntax));
+  EXPECT_TRUE(IsValidKey("/x", syntax));
+  EXPECT_TRUE(IsValidKey("a:", syntax));  // written "a: := v", the separator comes after the blank
+  EXPECT_FALSE(IsValidKey("a:=b", syntax));
+  EXPECT_FALSE(IsValidKey("//x", syntax));
+  EXPECT_FALSE(IsValidKey("block", syntax));
+  EXPECT_FALSE(IsValidKey("block 1", syntax));
 }
 
 TEST_F(DocumentTest, SetReplacesTheFirstEntryAndRemoveDropsAll) {
@@ -141,13 +165,30 @@ TEST_F(DocumentTest, SetReplacesTheFirstEntryAndRemoveDropsAll) {
   EXPECT_EQ("other", s.entries[0].key);
 }
 
-TEST_F(DocumentTest, AddedNamesAreMadeWritable) {
+TEST_F(DocumentTest, AddRefusesNamesThatWouldNotReadBack) {
   Document doc;
-  doc.Add(" two\nlines ");
-  EXPECT_EQ("two lines", doc[0].name);
-  EXPECT_EQ("two lines", RoundTrip(doc)[0].name);
-  EXPECT_FALSE(IsValidSectionName("two\nlines"));
-  EXPECT_TRUE(IsValidSectionName("DeviceTone_Busy 2 = x"));
+  for (const std::string& bad : {std::string(""), std::string(" lead"), std::string("trail\t"),
+                                 std::string("two\nlines"), std::string("contact 9\x01"),
+                                 std::string("v\vtab"), std::string("nul\0", 4)}) {
+    EXPECT_FALSE(IsValidSectionName(bad)) << bad;
+    EXPECT_EQ(nullptr, doc.TryAdd(bad)) << bad;
+    // Add hands out a scratch section that is never saved.
+    Section& scratch = doc.Add(bad);
+    EXPECT_TRUE(doc.Set(scratch, "k", "v"));
+  }
+  EXPECT_TRUE(doc.empty());
+  EXPECT_EQ("", doc.Serialize());
+
+  for (const char* good : {"DeviceTone_Busy 2 = x", "{", "}", "# not a comment", "Alice\tSmith",
+                           "section x"}) {
+    EXPECT_TRUE(IsValidSectionName(good)) << good;
+    ASSERT_NE(nullptr, doc.TryAdd(good)) << good;
+  }
+  Document back = RoundTrip(doc);
+  EXPECT_TRUE(back == doc) << doc.Serialize();
+  ASSERT_EQ(6u, back.size());
+  EXPECT_EQ("Alice\tSmith", back[4].name);
+  EXPECT_EQ("section x", back[5].name);
 }
 
 TEST_F(DocumentTest, ViewsSurviveMovesOfTheDocument) {
