@@ -41,19 +41,18 @@ std::string Address(CallerIDManager::CallType type, const CallParams& caller) {
 bool CallerIDManager::Check(CallType type, const std::string& pattern,
                             std::list<std::string>& tokens) {
   tokens.clear();
-  std::string rest = pattern;
+  // One pass with a position: cutting the consumed text off the front each
+  // time made a long template cost quadratic time on every call.
+  size_t pos = 0;
   for (;;) {
-    size_t percent = rest.find('%');
+    size_t percent = pattern.find('%', pos);
     if (percent == std::string::npos) break;
-    if (percent > 0) {
-      tokens.push_back(rest.substr(0, percent));
-      rest.erase(0, percent);
-    }
-    if (rest.size() < 2 || !IsAllowed(type, rest[1])) return false;
-    tokens.push_back(rest.substr(0, 2));
-    rest.erase(0, 2);
+    if (percent > pos) tokens.push_back(pattern.substr(pos, percent - pos));
+    if (percent + 1 >= pattern.size() || !IsAllowed(type, pattern[percent + 1])) return false;
+    tokens.push_back(pattern.substr(percent, 2));
+    pos = percent + 2;
   }
-  tokens.push_back(rest);
+  tokens.push_back(pattern.substr(pos));
   return true;
 }
 

@@ -68,9 +68,10 @@ bool CMAgent::GetFuntionalTable(ExtensionData* extension) {
       for (std::string& piece : StringUtils::ParseCommaLine(text, ',')) {
         KeySequence keys;
         FormKeySequence(keys, piece);
-        services::InsertByKeys(table, std::move(keys), binding.key);
+        table.emplace_back(std::move(keys), binding.key);
       }
     }
+    services::SortByKeys(table);
   }
   CMCFG_TRACE(this, "GetFunctionalTable: extension %s, number of service codes = %u.\n",
               extension->name.c_str(), static_cast<unsigned>(table.size()));

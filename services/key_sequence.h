@@ -1,5 +1,5 @@
 // Keypad values of the functional table and the speed-dial list, and the
-// sorted insertion both lists share.
+// ordering both lists share.
 #ifndef CMCFG_SERVICES_KEY_SEQUENCE_H_
 #define CMCFG_SERVICES_KEY_SEQUENCE_H_
 
@@ -20,17 +20,15 @@ const KeypadButton kKeyFlash = 0x8F0;
 
 inline bool IsKeypadDigit(char c) { return c >= '0' && c <= '9'; }
 
-// Inserts (keys, value) before the first entry whose sequence is greater,
-// so equal sequences keep the order they were added in. The lists are a few
-// dozen entries long; a linear scan is all they need.
+// Orders a table built in file order by key sequence; equal sequences keep
+// the order they were added in. Sorting once instead of inserting each
+// entry in place: a hand-edited list can hold hundreds of thousands of
+// codes, and sorted insertion into a vector made loading it take minutes.
 template <typename Value>
-void InsertByKeys(std::vector<std::pair<KeySequence, Value>>& table, KeySequence keys,
-                  const Value& value) {
-  auto greater = std::find_if(table.begin(), table.end(),
-                              [&keys](const std::pair<KeySequence, Value>& entry) {
-                                return keys < entry.first;
-                              });
-  table.emplace(greater, std::move(keys), value);
+void SortByKeys(std::vector<std::pair<KeySequence, Value>>& table) {
+  std::stable_sort(table.begin(), table.end(),
+                   [](const std::pair<KeySequence, Value>& a,
+                      const std::pair<KeySequence, Value>& b) { return a.first < b.first; });
 }
 
 }  // namespace services

@@ -54,8 +54,9 @@ bool CMAgent::GetSpeedDialList(ExtensionData* extension) {
     if (!IsSpeedDialCode(code)) continue;
     KeySequence keys{services::kKeyPound, services::kKeyDigit0 + (code[1] - '0'),
                      services::kKeyDigit0 + (code[2] - '0')};
-    services::InsertByKeys(extension->speedDial, std::move(keys), Destination(*block));
+    extension->speedDial.emplace_back(std::move(keys), Destination(*block));
   }
+  services::SortByKeys(extension->speedDial);
   CMCFG_TRACE(this, "GetSpeedDialList: extension %s, number of entries = %u.\n",
               extension->name.c_str(), static_cast<unsigned>(extension->speedDial.size()));
   return true;

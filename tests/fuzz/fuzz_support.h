@@ -1,0 +1,129 @@
+// Shared pieces of the fuzz targets: a failed check that libFuzzer records
+// as a crash, a configuration root for readers that take their files from
+// disk, and the split of one input into several files.
+#ifndef CMCFG_TESTS_FUZZ_FUZZ_SUPPORT_H_
+#define CMCFG_TESTS_FUZZ_FUZZ_SUPPORT_H_
+
+#include <fcntl.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace fuzz_support {
+
+// Aborts with the failed condition: the targets are built with NDEBUG, so
+// assert() would check nothing.
+[[noreturn]] inline void Fail(const char* file, int line, const char* what) {
+  std::fprintf(stderr, "%s:%d: check failed: %s\n", file, line, what);
+  std::fflush(stderr);
+  abort();
+}
+
+#define FUZZ_CHECK(cond) \
+  ((cond) ? static_cast<void>(0) : ::fuzz_support::Fail(__FILE__, __LINE__, #cond))
+
+// CMCFG_FUZZ_STRICT=1 turns on the checks of findings that are still open
+// in code other than the target's own (see docs/fuzzing.md); off, the
+// targets check only what holds today, so a run stops only at a regression.
+inline bool Strict() {
+  static const bool strict = [] {
+    const char* v = getenv("CMCFG_FUZZ_STRICT");
+    return v != nullptr && *v != '\0' && *v != '0';
+  }();
+  return strict;
+}
+
+inline std::string_view AsText(const uint8_t* data, size_t size) {
+  return std::string_view(reinterpret_cast<const char*>(data), size);
+}
+
+// The line that separates the files of one input. Readable, so that seeds
+// can be written by hand; the dictionaries hold it too.
+constexpr std::string_view kSplit = "\n----\n";
+
+// Cuts `input` at each kSplit into at most `count` pieces (the last piece
+// keeps any further separators); missing pieces are empty.
+inline std::vector<std::string> Split(std::string_view input, size_t count) {
+  std::vector<std::string> pieces;
+  while (pieces.size() + 1 < count) {
+    size_t at = input.find(kSplit);
+    if (at == std::string_view::npos) break;
+    pieces.emplace_back(input.substr(0, at));
+    input.remove_prefix(at + kSplit.size());
+  }
+  pieces.emplace_back(input);
+  pieces.resize(count);
+  return pieces;
+}
+
+// A configuration root in a fresh temporary folder ($TMPDIR, else /tmp)
+// for the whole run: ORBA_PATH points at it, and the trace log is sent to a
+// folder that never exists, so a fuzzed "log_enabled" formats its lines but
+// writes no file. Removed at a normal exit; a crash leaves it for a look.
+class FuzzRoot {
+ public:
+  FuzzRoot() {
+    const char* tmp = getenv("TMPDIR");
+    std::string base = tmp && *tmp ? tmp : "/tmp";
+    std::error_code ec;
+    std::filesystem::create_directories(base, ec);
+    std::string templ = base + "/cmcfg-fuzz-XXXXXX";
+    if (mkdtemp(templ.data()) == nullptr) Fail(__FILE__, __LINE__, "mkdtemp");
+    path_ = templ + "/";
+    setenv("ORBA_PATH", path_.c_str(), 1);
+    setenv("CMCFG_LOG_DIR", (path_ + "no-log-dir/").c_str(), 1);
+    MakeDirs("telephony");
+  }
+  ~FuzzRoot() {
+    std::error_code ec;
+    std::filesystem::remove_all(path_, ec);
+  }
+  FuzzRoot(const FuzzRoot&) = delete;
+  FuzzRoot& operator=(const FuzzRoot&) = delete;
+
+  const std::string& path() const { return path_; }
+  std::string Path(const std::string& relative) const { return path_ + relative; }
+
+  void MakeDirs(const std::string& relative) const {
+    std::error_code ec;
+    std::filesystem::create_directories(path_ + relative, ec);
+  }
+
+  // Replaces the file's contents (plain POSIX calls: this runs once per
+  // input and must stay cheap).
+  void Write(const std::string& relative, std::string_view contents) const {
+    std::string file = path_ + relative;
+    int fd = open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+    if (fd < 0) Fail(__FILE__, __LINE__, "open for writing");
+    size_t done = 0;
+    while (done < contents.size()) {
+      ssize_t n = write(fd, contents.data() + done, contents.size() - done);
+      if (n <= 0) Fail(__FILE__, __LINE__, "write");
+      done += static_cast<size_t>(n);
+    }
+    close(fd);
+  }
+
+  void Remove(const std::string& relative) const { unlink((path_ + relative).c_str()); }
+
+  // Empties `relative` (a folder) of everything, keeping the folder.
+  void Clear(const std::string& relative) const {
+    std::error_code ec;
+    for (const auto& entry : std::filesystem::directory_iterator(path_ + relative, ec))
+      std::filesystem::remove_all(entry.path(), ec);
+  }
+
+ private:
+  std::string path_;
+};
+
+}  // namespace fuzz_support
+
+#endif  // CMCFG_TESTS_FUZZ_FUZZ_SUPPORT_H_
