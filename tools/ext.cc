@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "cmcfg/cm_agent.h"
+#include "tools/dump.h"
 #include "tools/format.h"
 #include "tools/session.h"
 
@@ -502,10 +503,8 @@ int RunExt(const ExtOptions& options, std::ostream& out, std::ostream& err) {
     return 1;
   }
   if (options.json) {
-    out << (found.extension ? ExtensionJson(*found.extension)
-                            : AttendantJson(*found.attendant, found.systemAttendant))
-               .dump(2)
-        << "\n";
+    out << JsonText(found.extension ? ExtensionJson(*found.extension)
+                                    : AttendantJson(*found.attendant, found.systemAttendant));
   } else if (found.extension) {
     PrintExtension(*found.extension, out);
   } else {

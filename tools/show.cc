@@ -5,6 +5,7 @@
 
 #include "cmcfg/cm_agent.h"
 #include "cmcfg/tone_type.h"
+#include "tools/dump.h"
 #include "tools/format.h"
 
 namespace cmcfg_tool {
@@ -204,7 +205,7 @@ int RunShow(const ShowOptions& options, std::ostream& out, std::ostream& err) {
   if (!RootIsUsable(root, err)) return 2;
   AgentSession session(root, options.logDir);
   if (options.json) {
-    out << SummaryJson(session.agent()).dump(2) << "\n";
+    out << JsonText(SummaryJson(session.agent()));
   } else {
     out << "Configuration root: " << root << "\n";
     PrintSummary(session.agent(), out);

@@ -1,0 +1,263 @@
+#include "tools/check.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <vector>
+
+#include "tests/support/temp_root.h"
+#include "tests/tools/tool_test_util.h"
+#include "tools/check_syntax.h"
+#include "tools/cli.h"
+
+namespace {
+
+using testing::ElementsAre;
+using tool_testing::CopyExample;
+using tool_testing::Examples;
+using tool_testing::Lines;
+
+const char kUser[] = "telephony/extensiondb/user/";
+
+// `cmcfg check` as typed, down to the exit status.
+class CheckTest : public ::testing::Test {
+ protected:
+  int Run(std::vector<std::string> args) {
+    args.insert(args.begin(), "cmcfg");
+    std::vector<const char*> argv;
+    for (const std::string& arg : args) argv.push_back(arg.c_str());
+    out_.str("");
+    err_.str("");
+    return cmcfg_tool::RunCommandLine(static_cast<int>(argv.size()), argv.data(), out_, err_);
+  }
+  int Check() { return Run({"check", "--root", root_.path()}); }
+
+  testing_support::TempRoot root_;
+  std::ostringstream out_, err_;
+};
+
+TEST_F(CheckTest, TheExampleIsCleanAndLeftUntouched) {
+  ASSERT_EQ(0, Run({"check", "--root", Examples()})) << out_.str() << err_.str();
+  EXPECT_EQ("", out_.str());
+  EXPECT_EQ("", err_.str());
+  ASSERT_EQ(0, Run({"check", "--json", "--root", Examples()}));
+  EXPECT_EQ(nlohmann::json::array(), nlohmann::json::parse(out_.str()));
+
+  // Nothing is written into the root, not even lock files.
+  CopyExample(root_.path());
+  std::vector<std::string> before;
+  for (auto& e : std::filesystem::recursive_directory_iterator(root_.path()))
+    before.push_back(e.path().string());
+  ASSERT_EQ(0, Check());
+  std::vector<std::string> after;
+  for (auto& e : std::filesystem::recursive_directory_iterator(root_.path()))
+    after.push_back(e.path().string());
+  EXPECT_EQ(before, after);
+}
+
+TEST_F(CheckTest, ExitStatusTwoWhenTheRootCannotBeRead) {
+  EXPECT_EQ(2, Run({"check", "--root", root_.Path("missing")}));
+  EXPECT_EQ("", out_.str());
+  EXPECT_EQ("cmcfg: cannot read the configuration root " + root_.Path("missing/") +
+                ": No such file or directory\n",
+            err_.str());
+}
+
+TEST_F(CheckTest, AnEmptyRootIsClean) {
+  EXPECT_EQ(0, Check());
+  EXPECT_EQ("", out_.str());
+}
+
+TEST_F(CheckTest, ParserDiagnosticsAreErrorsWithTheLineAndACaret) {
+  root_.Write("telephony/general.cfg",
+              "section general\n{\nlog_enabled = 1\njust words\n}\n"
+              "stray = 1\n"
+              "section tail\n{\nx = 1\n");
+  EXPECT_EQ(1, Check());
+  EXPECT_THAT(Lines(out_.str()),
+              ElementsAre("telephony/general.cfg:4: error: expected 'key = value'",  //
+                          "just words",                                             //
+                          "^",                                                      //
+                          "telephony/general.cfg:6: error: entry outside a section",  //
+                          "stray = 1",                                                 //
+                          "^",                                                         //
+                          "telephony/general.cfg:7: error: section is not closed with '}'",
+                          "section tail",  //
+                          "            ^"));
+}
+
+TEST_F(CheckTest, DuplicateSectionsAreWarningsNamingTheOneRead) {
+  root_.Write("telephony/linedb", "section fxs 1/1\n{\ncaller_id_type = 1\n}\n"
+                                  "section fxs 1/1\n{\ncaller_id_type = 2\n}\n");
+  EXPECT_EQ(0, Check());
+  EXPECT_THAT(Lines(out_.str()),
+              ElementsAre("telephony/linedb:5: warning: duplicate section \"fxs 1/1\"; the "
+                          "one at line 1 is read",
+                          "section fxs 1/1",  //
+                          "        ^"));
+}
+
+TEST_F(CheckTest, ExtensionFilesWithBadNamesAreReportedAndNotRead) {
+  root_.Write(std::string(kUser) + ".cfg", "garbage\n");
+  root_.Write(std::string(kUser) + "a..b.cfg", "garbage\n");
+  root_.Write(std::string(kUser) + "101.cfg.lock", "garbage\n");  // skipped on purpose
+  root_.Write(std::string(kUser) + "101.cfg", "section extension\n{\n}\n");
+  EXPECT_EQ(0, Check());
+  EXPECT_THAT(Lines(out_.str()),
+              ElementsAre("telephony/extensiondb/user/.cfg: warning: the file name breaks the "
+                          "extension naming rules; the file is ignored",
+                          "telephony/extensiondb/user/a..b.cfg: warning: the file name breaks the "
+                          "extension naming rules; the file is ignored"));
+  EXPECT_TRUE(cmcfg_tool::IsExtensionFileName("101.cfg"));
+  EXPECT_TRUE(cmcfg_tool::IsExtensionFileName("a.b.cfg"));
+  EXPECT_FALSE(cmcfg_tool::IsExtensionFileName("..cfg"));
+  EXPECT_FALSE(cmcfg_tool::IsExtensionFileName("a\tb.cfg"));
+  EXPECT_FALSE(cmcfg_tool::IsExtensionFileName("101.txt"));
+}
+
+TEST_F(CheckTest, UnknownCodecNamesAreWarnedAtTheName) {
+  root_.Write("telephony/fax.cfg", "section T38\n{\n}\n");
+  root_.Write(std::string(kUser) + "101.cfg",
+              "section codecs\n{\n"
+              "voice_codecs = G711A,G7299\n"
+              "extra_voice_codecs = g722\n"
+              "fax_codecs = T38,T39,G711U\n"
+              "modem_codecs = T38\n"
+              "}\n");
+  EXPECT_EQ(0, Check());
+  EXPECT_THAT(Lines(out_.str()),
+              ElementsAre("telephony/extensiondb/user/101.cfg:3: warning: unknown codec name "
+                          "\"G7299\"",
+                          "voice_codecs = G711A,G7299",  //
+                          "                     ^",
+                          "telephony/extensiondb/user/101.cfg:4: warning: unknown codec name "
+                          "\"g722\"",
+                          "extra_voice_codecs = g722",  //
+                          "                     ^",
+                          "telephony/extensiondb/user/101.cfg:6: warning: unknown codec name "
+                          "\"T38\"",
+                          "modem_codecs = T38",  //
+                          "               ^",
+                          "telephony/extensiondb/user/101.cfg:5: warning: unknown codec or fax "
+                          "encoding name \"T39\"",
+                          "fax_codecs = T38,T39,G711U",  //
+                          "                 ^"));
+}
+
+TEST_F(CheckTest, SpeedDialCodesMustBeHashAndTwoDigitsInUserFiles) {
+  root_.Write(std::string(kUser) + "101.cfg",
+              "section speed_dial 1\n{\ncalling_code = #1\n}\n"
+              "section speed_dial 2\n{\ncalling_code = #01\n}\n"
+              "section speed_dial 3\n{\ncalling_code = *01\n}\n");
+  // Only user extensions have a speed-dial list.
+  root_.Write("telephony/extensiondb/attendant/100.cfg",
+              "section speed_dial 1\n{\ncalling_code = #1\n}\n");
+  EXPECT_EQ(0, Check());
+  EXPECT_THAT(Lines(out_.str()),
+              ElementsAre("telephony/extensiondb/user/101.cfg:3: warning: speed-dial code \"#1\" "
+                          "is not \"#\" and two digits; the entry is skipped",
+                          "calling_code = #1",  //
+                          "               ^",
+                          "telephony/extensiondb/user/101.cfg:11: warning: speed-dial code "
+                          "\"*01\" is not \"#\" and two digits; the entry is skipped",
+                          "calling_code = *01",  //
+                          "               ^"));
+}
+
+TEST_F(CheckTest, ExtensionDestinationsMustNameAnExtension) {
+  root_.Write("telephony/extensiondb/attendant/100.cfg", "");
+  root_.Write(std::string(kUser) + "101.cfg",
+              "section speed_dial 1\n{\ndest_type = 0\ndestination = 199\n}\n"
+              "section speed_dial 2\n{\ndest_type = 2\ndestination = 199\n}\n"
+              "section contact 1 hunting\n{\ntarget_1 = 100,15\ntarget_2 = 198,20\n}\n"
+              "section contact 1 forward_busy\n{\n"
+              "destination_1 = 1,0,197\n"
+              "destination_2 = 0,0,196\n"   // switched off: dropped by the agent
+              "destination_3 = 1,2,195\n"   // a PSTN number
+              "destination_4 = 1,0,101\n"
+              "}\n");
+  root_.Write("telephony/linedb", "section binding 1/1\n{\nextension = 194\n}\n"
+                                  "section binding 1/2\n{\nextension = 100\n}\n");
+  EXPECT_EQ(0, Check());
+  EXPECT_THAT(Lines(out_.str()),
+              ElementsAre("telephony/linedb:3: warning: the bound extension \"194\" names no "
+                          "extension",
+                          "extension = 194",  //
+                          "            ^",
+                          "telephony/extensiondb/user/101.cfg:4: warning: speed-dial destination "
+                          "\"199\" names no extension",
+                          "destination = 199",  //
+                          "              ^",
+                          "telephony/extensiondb/user/101.cfg:14: warning: hunting target \"198\" "
+                          "names no extension",
+                          "target_2 = 198,20",  //
+                          "           ^",
+                          "telephony/extensiondb/user/101.cfg:18: warning: forward destination "
+                          "\"197\" names no extension",
+                          "destination_1 = 1,0,197",  //
+                          "                    ^"));
+}
+
+TEST_F(CheckTest, JsonGivesTheSameFindings) {
+  root_.Write(std::string(kUser) + "101.cfg",
+              "section codecs\n{\nvoice_codecs = G7299\n}\nnonsense\n");
+  EXPECT_EQ(1, Run({"check", "--json", "--root", root_.path()}));
+  nlohmann::json expected = nlohmann::json::parse(R"([
+    {"file": "telephony/extensiondb/user/101.cfg", "line": 5, "column": 0,
+     "severity": "error", "code": "syntax", "message": "expected 'key = value'"},
+    {"file": "telephony/extensiondb/user/101.cfg", "line": 3, "column": 15,
+     "severity": "warning", "code": "unknown-codec", "message": "unknown codec name \"G7299\""}
+  ])");
+  EXPECT_EQ(expected, nlohmann::json::parse(out_.str()));
+}
+
+// A copy of the example with one mistake of each kind, each reported at
+// its file and line.
+TEST_F(CheckTest, OneMistakeOfEachKindInACopyOfTheExample) {
+  CopyExample(root_.path());
+  const std::string file109 = std::string(kUser) + "109.cfg";
+  std::string text = root_.Read(file109);
+  auto replace = [&text](const std::string& from, const std::string& to) {
+    size_t at = text.find(from);
+    ASSERT_NE(std::string::npos, at) << from;
+    text.replace(at, from.size(), to);
+  };
+  replace("voice_codecs = G711A,G711U,G729", "voice_codecs = G711A,G7299,G729");
+  replace("calling_code = #03", "calling_code = #3");
+  replace("section busy_redial\n{\n", "section busy_redial\n{\ninterval 45\n");
+  replace("section auto_call", "section timeouts\n{\n}\n\nsection auto_call");
+  root_.Write(file109, text);
+  root_.Write(std::string(kUser) + "a..b.cfg", "");
+
+  EXPECT_EQ(1, Check());
+  std::vector<std::string> headings;
+  for (const std::string& line : Lines(out_.str()))
+    if (line.compare(0, 10, "telephony/") == 0) headings.push_back(line);
+  const std::vector<std::string> lines = tool_testing::Lines(text);
+  auto lineOf = [&lines](const std::string& needle) {
+    for (size_t i = 0; i < lines.size(); ++i)
+      if (lines[i].find(needle) != std::string::npos) return std::to_string(i + 1);
+    return std::string("?");
+  };
+  auto lastLineOf = [&lines](const std::string& needle) {
+    for (size_t i = lines.size(); i-- > 0;)
+      if (lines[i] == needle) return std::to_string(i + 1);
+    return std::string("?");
+  };
+  const std::string at = file109 + ":";
+  EXPECT_THAT(headings,
+              ElementsAre(at + lineOf("interval 45") + ": error: expected 'key = value'",
+                          at + lastLineOf("section timeouts") +
+                              ": warning: duplicate section \"timeouts\"; the one at line " +
+                              lineOf("section timeouts") + " is read",
+                          "telephony/extensiondb/user/a..b.cfg: warning: the file name breaks the "
+                          "extension naming rules; the file is ignored",
+                          at + lineOf("G7299") + ": warning: unknown codec name \"G7299\"",
+                          at + lineOf("#3") + ": warning: speed-dial code \"#3\" is not \"#\" "
+                                              "and two digits; the entry is skipped"));
+}
+
+}  // namespace

@@ -1,0 +1,31 @@
+#include "tools/check.h"
+
+#include <ostream>
+
+#include "tools/check_destinations.h"
+#include "tools/check_extensions.h"
+#include "tools/check_syntax.h"
+#include "tools/session.h"
+
+namespace cmcfg_tool {
+
+Findings FindProblems(const std::string& root) {
+  Findings findings;
+  const std::vector<CheckedFile> files = LoadRootFiles(root, &findings);
+  CheckExtensions(files, &findings);
+  CheckDestinations(files, &findings);
+  return findings;
+}
+
+int RunCheck(const CheckOptions& options, std::ostream& out, std::ostream& err) {
+  const std::string root = ResolveRoot(options.root);
+  if (!RootIsUsable(root, err)) return 2;
+  const Findings findings = FindProblems(root);
+  if (options.json)
+    PrintFindingsJson(findings, out);
+  else
+    PrintFindings(findings, out);
+  return FindingsStatus(findings);
+}
+
+}  // namespace cmcfg_tool

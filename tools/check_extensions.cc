@@ -1,0 +1,87 @@
+#include "tools/check_extensions.h"
+
+#include <cctype>
+#include <set>
+#include <string>
+
+#include "platform/line/codecs.h"
+
+namespace cmcfg_tool {
+namespace {
+
+const char* const kVoiceLists[] = {"voice_codecs", "extra_voice_codecs", "modem_codecs"};
+
+bool IsExtensionFile(const CheckedFile& file) {
+  const std::string db = "telephony/extensiondb/";
+  return file.relative.compare(0, db.size(), db) == 0 &&
+         file.relative.find('/', db.size()) != std::string::npos;
+}
+
+// Only user extensions have a speed-dial list.
+bool IsUserFile(const CheckedFile& file) {
+  return file.relative.compare(0, 27, "telephony/extensiondb/user/") == 0;
+}
+
+// Fax encodings are the section names of fax.cfg, matched exactly as the
+// codec lists match them.
+std::set<std::string> FaxEncodings(const std::vector<CheckedFile>& files) {
+  std::set<std::string> names;
+  for (const CheckedFile& file : files) {
+    if (file.relative != "telephony/fax.cfg") continue;
+    for (const cfg::Section& section : file.doc.sections()) names.emplace(section.name);
+  }
+  return names;
+}
+
+void CheckList(const CheckedFile& file, const cfg::Entry& entry, const std::set<std::string>* fax,
+               Findings* findings) {
+  const std::string value(entry.value);
+  size_t start = 0;
+  while (start <= value.size()) {
+    size_t comma = value.find(',', start);
+    if (comma == std::string::npos) comma = value.size();
+    const std::string name = value.substr(start, comma - start);
+    start = comma + 1;
+    if (name.empty() || GetDspCodecByName(name) != -1) continue;
+    if (fax != nullptr && fax->count(name) != 0) continue;
+    const std::string message = fax != nullptr
+                                    ? "unknown codec or fax encoding name \"" + name + "\""
+                                    : "unknown codec name \"" + name + "\"";
+    findings->push_back(
+        FindingAt(file.relative, file.lines, entry.line, name, false, "unknown-codec", message));
+  }
+}
+
+bool IsSpeedDialCode(std::string_view code) {
+  return code.size() == 3 && code[0] == '#' && std::isdigit(static_cast<unsigned char>(code[1])) &&
+         std::isdigit(static_cast<unsigned char>(code[2]));
+}
+
+}  // namespace
+
+void CheckExtensions(const std::vector<CheckedFile>& files, Findings* findings) {
+  const std::set<std::string> fax = FaxEncodings(files);
+  for (const CheckedFile& file : files) {
+    if (!IsExtensionFile(file)) continue;
+    // Lookups read the first section of a name; later duplicates are not read.
+    std::set<std::string_view> seen;
+    for (const cfg::Section& section : file.doc.sections()) {
+      if (!seen.insert(section.name).second) continue;
+      if (section.name == "codecs") {
+        for (const char* key : kVoiceLists)
+          if (const cfg::Entry* entry = section.Find(key)) CheckList(file, *entry, nullptr, findings);
+        if (const cfg::Entry* entry = section.Find("fax_codecs"))
+          CheckList(file, *entry, &fax, findings);
+      } else if (section.name.substr(0, 11) == "speed_dial " && IsUserFile(file)) {
+        const cfg::Entry* code = section.Find("calling_code");
+        if (code == nullptr || IsSpeedDialCode(code->value)) continue;
+        findings->push_back(FindingAt(file.relative, file.lines, code->line,
+                                      std::string(code->value), false, "speed-dial-code",
+                                      "speed-dial code \"" + std::string(code->value) +
+                                          "\" is not \"#\" and two digits; the entry is skipped"));
+      }
+    }
+  }
+}
+
+}  // namespace cmcfg_tool

@@ -1,0 +1,19 @@
+#ifndef CMCFG_TOOLS_CHECK_EXTENSIONS_H_
+#define CMCFG_TOOLS_CHECK_EXTENSIONS_H_
+
+#include <vector>
+
+#include "tools/check_findings.h"
+#include "tools/check_syntax.h"
+
+namespace cmcfg_tool {
+
+// Checks the extension and attendant files among `files` for what the agent
+// skips silently: codec names it does not know (fax lists may also name a
+// section of "telephony/fax.cfg") and speed-dial codes that are not "#"
+// and two digits in user extensions. Adds warnings to `findings`.
+void CheckExtensions(const std::vector<CheckedFile>& files, Findings* findings);
+
+}  // namespace cmcfg_tool
+
+#endif  // CMCFG_TOOLS_CHECK_EXTENSIONS_H_

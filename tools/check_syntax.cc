@@ -1,0 +1,119 @@
+#include "tools/check_syntax.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <system_error>
+
+#include "platform/base/file_system.h"
+
+namespace cmcfg_tool {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Settings files read by the agent or its accessors, relative to the root.
+const char* const kSettingsFiles[] = {
+    "telephony/general.cfg",    "telephony/paths.cfg",       "telephony/fxs.cfg",
+    "telephony/log_login.cfg",  "telephony/gateways.cfg",    "telephony/tos.cfg",
+    "telephony/authorized_phones.cfg", "telephony/ringpatterns.cfg",
+    "telephony/sysmessages.cfg", "telephony/fax.cfg",        "telephony/dialplan.cfg",
+    "telephony/linedb",         "telephony/regional/tonetypes.cfg",
+    "telephony/extensiondb/system.cfg",
+};
+
+// Loads one file; a missing one is not a finding (the reader's defaults
+// apply), nor is one that cannot be read here.
+bool LoadOne(const std::string& root, const std::string& relative, Findings* findings,
+             std::vector<CheckedFile>* files) {
+  CheckedFile file;
+  file.relative = relative;
+  if (!cfg::LoadDocument(root + relative, &file.doc).ok()) return false;
+  file.lines = ReadLines(root + relative);
+  for (const cfg::Diagnostic& d : file.doc.diagnostics()) {
+    Finding f;
+    f.file = relative;
+    f.line = d.line;
+    f.column = d.column;
+    f.error = true;
+    f.code = "syntax";
+    f.message = d.message;
+    f.text = d.text;
+    findings->push_back(std::move(f));
+  }
+  std::map<std::string_view, uint32_t> firstLine;
+  for (const cfg::Section& section : file.doc.sections()) {
+    auto inserted = firstLine.emplace(section.name, section.line);
+    if (inserted.second) continue;
+    Finding f;
+    f.file = relative;
+    f.line = section.line;
+    f.error = false;
+    f.code = "duplicate-section";
+    f.message = "duplicate section \"" + std::string(section.name) +
+                "\"; the one at line " + std::to_string(inserted.first->second) + " is read";
+    if (section.line >= 1 && section.line <= file.lines.size()) {
+      f.text = file.lines[section.line - 1];
+      size_t at = f.text.find(section.name);
+      f.column = static_cast<uint32_t>(at == std::string::npos ? 0 : at);
+    }
+    findings->push_back(std::move(f));
+  }
+  files->push_back(std::move(file));
+  return true;
+}
+
+std::vector<std::string> SortedEntries(const std::string& folder, bool wantFolders) {
+  std::vector<std::string> names;
+  std::error_code ec;
+  for (fs::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec)) {
+    std::error_code typeEc;
+    if (it->is_directory(typeEc) != wantFolders) continue;
+    names.push_back(it->path().filename().string());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+}  // namespace
+
+bool IsExtensionFileName(const std::string& fileName) {
+  const std::string suffix = ".cfg";
+  if (fileName.size() < suffix.size() ||
+      fileName.compare(fileName.size() - suffix.size(), suffix.size(), suffix) != 0)
+    return false;
+  const std::string name = fileName.substr(0, fileName.size() - suffix.size());
+  if (name.empty() || name == "." || name.find('/') != std::string::npos ||
+      name.find("..") != std::string::npos)
+    return false;
+  for (unsigned char c : name)
+    if (c < 0x20 || c == 0x7F) return false;
+  return true;
+}
+
+std::vector<CheckedFile> LoadRootFiles(const std::string& root, Findings* findings) {
+  std::vector<CheckedFile> files;
+  for (const char* relative : kSettingsFiles) LoadOne(root, relative, findings, &files);
+  const std::string db = "telephony/extensiondb/";
+  for (const std::string& kind : SortedEntries(root + db, true)) {
+    const std::string folder = db + kind + "/";
+    for (const std::string& name : SortedEntries(root + folder, false)) {
+      const bool cfgSuffix = name.size() >= 4 && name.compare(name.size() - 4, 4, ".cfg") == 0;
+      // Locks, temporary files of a save and other names are skipped on
+      // purpose by the database; only a .cfg file it refuses is a surprise.
+      if (!cfgSuffix) continue;
+      if (!IsExtensionFileName(name)) {
+        Finding f;
+        f.file = folder + name;
+        f.code = "bad-file-name";
+        f.message = "the file name breaks the extension naming rules; the file is ignored";
+        findings->push_back(std::move(f));
+        continue;
+      }
+      LoadOne(root, folder + name, findings, &files);
+    }
+  }
+  return files;
+}
+
+}  // namespace cmcfg_tool
