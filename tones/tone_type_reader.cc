@@ -1,6 +1,5 @@
 #include "cmcfg/tone_type_reader.h"
 
-#include <memory>
 #include <sstream>
 #include <string>
 
@@ -14,9 +13,9 @@ namespace {
 std::string ToneFilePath() { return cfg::ConfigRoot() + "telephony/regional/tonetypes.cfg"; }
 
 // Opened read-only and shared: the tone file is never written here.
-Configuration::MultiSectionFile* OpenToneFile(const std::string& path) {
-  return new Configuration::MultiSectionFile(path, false, true, false, "section", "{\n", "}\n",
-                                             "=", "#", nullptr);
+Configuration::MultiSectionFile OpenToneFile(const std::string& path) {
+  return Configuration::MultiSectionFile(path, false, true, false, "section", "{\n", "}\n", "=",
+                                         "#", nullptr);
 }
 
 // A formatted read into a zeroed target: text that does not start with a
@@ -56,8 +55,8 @@ bool ToneTypeReader::Load(ToneType* tones) {
     for (int t = 0; t < kDeviceToneCount; ++t) tones[t] = GetDefaultTone(static_cast<DeviceTone>(t));
     return true;
   }
-  std::unique_ptr<Configuration::MultiSectionFile> file(OpenToneFile(path));
-  for (int t = 0; t < kDeviceToneCount; ++t) LoadTone(*file, static_cast<DeviceTone>(t), tones[t]);
+  Configuration::MultiSectionFile file = OpenToneFile(path);
+  for (int t = 0; t < kDeviceToneCount; ++t) LoadTone(file, static_cast<DeviceTone>(t), tones[t]);
   return true;
 }
 
@@ -67,8 +66,8 @@ bool ToneTypeReader::Load(DeviceTone tone, ToneType& type) {
     type = GetDefaultTone(tone);
     return true;
   }
-  std::unique_ptr<Configuration::MultiSectionFile> file(OpenToneFile(path));
-  LoadTone(*file, tone, type);
+  Configuration::MultiSectionFile file = OpenToneFile(path);
+  LoadTone(file, tone, type);
   return true;
 }
 

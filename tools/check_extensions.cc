@@ -4,23 +4,13 @@
 #include <set>
 #include <string>
 
+#include "platform/base/value_codec.h"
 #include "platform/line/codecs.h"
 
 namespace cmcfg_tool {
 namespace {
 
 const char* const kVoiceLists[] = {"voice_codecs", "extra_voice_codecs", "modem_codecs"};
-
-bool IsExtensionFile(const CheckedFile& file) {
-  const std::string db = "telephony/extensiondb/";
-  return file.relative.compare(0, db.size(), db) == 0 &&
-         file.relative.find('/', db.size()) != std::string::npos;
-}
-
-// Only user extensions have a speed-dial list.
-bool IsUserFile(const CheckedFile& file) {
-  return file.relative.compare(0, 27, "telephony/extensiondb/user/") == 0;
-}
 
 // Fax encodings are the section names of fax.cfg, matched exactly as the
 // codec lists match them.
@@ -62,25 +52,33 @@ bool IsSpeedDialCode(std::string_view code) {
 void CheckExtensions(const std::vector<CheckedFile>& files, Findings* findings) {
   const std::set<std::string> fax = FaxEncodings(files);
   for (const CheckedFile& file : files) {
-    if (!IsExtensionFile(file)) continue;
-    // Lookups read the first section of a name; later duplicates are not read.
-    std::set<std::string_view> seen;
-    for (const cfg::Section& section : file.doc.sections()) {
-      if (!seen.insert(section.name).second) continue;
+    const std::string kind = ExtensionKind(file);
+    if (kind.empty()) continue;
+    ForEachFirstSection(file.doc, [&](const cfg::Section& section) {
       if (section.name == "codecs") {
         for (const char* key : kVoiceLists)
           if (const cfg::Entry* entry = section.Find(key)) CheckList(file, *entry, nullptr, findings);
         if (const cfg::Entry* entry = section.Find("fax_codecs"))
           CheckList(file, *entry, &fax, findings);
-      } else if (section.name.substr(0, 11) == "speed_dial " && IsUserFile(file)) {
+      } else if (section.name.substr(0, 11) == "speed_dial " && kind == "user") {
+        // Only user extensions have a speed-dial list; the entry's id is
+        // read with the store's own number rules.
+        unsigned long id = 0;
+        if (!cfg::ParseValue(section.name.substr(11), &id)) {
+          findings->push_back(SectionFinding(file, section, false, "speed-dial-id",
+                                             "section \"" + std::string(section.name) +
+                                                 "\" has no number after \"speed_dial\"; the "
+                                                 "entry is skipped"));
+          return;
+        }
         const cfg::Entry* code = section.Find("calling_code");
-        if (code == nullptr || IsSpeedDialCode(code->value)) continue;
+        if (code == nullptr || IsSpeedDialCode(code->value)) return;
         findings->push_back(FindingAt(file.relative, file.lines, code->line,
                                       std::string(code->value), false, "speed-dial-code",
                                       "speed-dial code \"" + std::string(code->value) +
                                           "\" is not \"#\" and two digits; the entry is skipped"));
       }
-    }
+    });
   }
 }
 

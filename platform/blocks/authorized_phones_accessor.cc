@@ -1,6 +1,6 @@
 #include "platform/blocks/authorized_phones_accessor.h"
 
-#include "platform/blocks/blocks_instance.h"
+#include "platform/blocks/accessor_instance.h"
 
 void AuthorizedPhoneBlock::Read(const cfg::Section& section) {
   blocks::ReadKey(section, "phone_address", &phoneAddress);
@@ -23,14 +23,4 @@ void AuthorizedPhoneBlock::Write(cfg::Document& doc, cfg::Section& section) cons
   blocks::WriteKey(doc, section, "login_time", loginTime);
 }
 
-ThreadMutex& AuthorizedPhonesAccessor::InstanceMutex() {
-  return BlocksAccessorInstance<AuthorizedPhonesAccessor>::Shared().values_mutex();
-}
-
-AuthorizedPhonesAccessor* AuthorizedPhonesAccessor::GetInstance(bool createIfMissing) {
-  return BlocksAccessorInstance<AuthorizedPhonesAccessor>::Shared().Acquire(createIfMissing);
-}
-
-void AuthorizedPhonesAccessor::CloseInstance() {
-  BlocksAccessorInstance<AuthorizedPhonesAccessor>::Shared().Release();
-}
+template class SharedAccessor<AuthorizedPhonesAccessor>;

@@ -6,7 +6,7 @@
 
 #include "platform/base/document.h"
 #include "platform/blocks/blocks_accessor_base.h"
-#include "platform/blocks/shared_instance.h"
+#include "platform/blocks/shared_accessor.h"
 
 // One authorised phone ("telephony/authorized_phones.cfg"): a phone that
 // logs its user in automatically. The phone is known by its address and
@@ -29,22 +29,15 @@ struct AuthorizedPhoneBlock {
 // The authorised phones. Shared instance and thread rule as
 // GatewayAccessor: a phone saved while other threads hold the instance is
 // saved under Lock.
-class AuthorizedPhonesAccessor : public BlocksAccessorBase<AuthorizedPhoneBlock> {
+class AuthorizedPhonesAccessor : public BlocksAccessorBase<AuthorizedPhoneBlock>,
+                                 public SharedAccessor<AuthorizedPhonesAccessor> {
  public:
   static constexpr const char* kFileName = "authorized_phones.cfg";
-
-  // Holds the shared instance's lock while in scope (see GatewayAccessor).
-  using Lock = SharedValuesLock<AuthorizedPhonesAccessor>;
-  static ThreadMutex& InstanceMutex();
-
-  // The shared instance and its release, as GatewayAccessor's.
-  static AuthorizedPhonesAccessor* GetInstance(bool createIfMissing);
-  static void CloseInstance();
 
  private:
   explicit AuthorizedPhonesAccessor(std::string path) : BlocksAccessorBase(std::move(path)) {}
   ~AuthorizedPhonesAccessor() override = default;
-  friend struct BlocksAccessorInstance<AuthorizedPhonesAccessor>;
+  friend class SharedAccessor<AuthorizedPhonesAccessor>;
 };
 
 #endif  // CMCFG_PLATFORM_BLOCKS_AUTHORIZED_PHONES_ACCESSOR_H_

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "platform/base/document.h"
-#include "platform/blocks/value_codec.h"
+#include "platform/base/value_codec.h"
 
 namespace blocks {
 
@@ -31,12 +31,12 @@ size_t EraseBlockSections(cfg::Document* doc, unsigned long id);
 // otherwise *out keeps its value.
 template <typename T>
 void ReadKey(const cfg::Section& section, std::string_view key, T* out) {
-  if (const cfg::Entry* entry = section.Find(key)) ParseValue(entry->value, out);
+  if (const cfg::Entry* entry = section.Find(key)) cfg::ParseValue(entry->value, out);
 }
 
 template <typename T>
 void WriteKey(cfg::Document& doc, cfg::Section& section, std::string_view key, const T& value) {
-  doc.Set(section, key, FormatValue(value));
+  doc.Set(section, key, cfg::FormatValue(value));
 }
 
 }  // namespace blocks

@@ -14,11 +14,6 @@
 #include "platform/blocks/block_sections.h"
 #include "platform/blocks/blocks_base.h"
 
-// Makes and shares the process-wide instance of a block accessor
-// (blocks_instance.h); accessors befriend it.
-template <typename Accessor>
-struct BlocksAccessorInstance;
-
 // A list of blocks kept in one file, one section per block named by the
 // block's decimal id. Sections whose name is not an id, and later sections
 // repeating an id (the first one wins), are ignored when reading and kept

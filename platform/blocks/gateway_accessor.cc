@@ -1,6 +1,6 @@
 #include "platform/blocks/gateway_accessor.h"
 
-#include "platform/blocks/blocks_instance.h"
+#include "platform/blocks/accessor_instance.h"
 
 void GatewayBlock::Read(const cfg::Section& section) {
   blocks::ReadKey(section, "name", &name);
@@ -14,14 +14,4 @@ void GatewayBlock::Write(cfg::Document& doc, cfg::Section& section) const {
   blocks::WriteKey(doc, section, "address", address);
 }
 
-ThreadMutex& GatewayAccessor::InstanceMutex() {
-  return BlocksAccessorInstance<GatewayAccessor>::Shared().values_mutex();
-}
-
-GatewayAccessor* GatewayAccessor::GetInstance(bool createIfMissing) {
-  return BlocksAccessorInstance<GatewayAccessor>::Shared().Acquire(createIfMissing);
-}
-
-void GatewayAccessor::CloseInstance() {
-  BlocksAccessorInstance<GatewayAccessor>::Shared().Release();
-}
+template class SharedAccessor<GatewayAccessor>;

@@ -6,7 +6,7 @@
 
 #include "platform/base/document.h"
 #include "platform/blocks/blocks_accessor_base.h"
-#include "platform/blocks/shared_instance.h"
+#include "platform/blocks/shared_accessor.h"
 
 // One media gateway ("telephony/gateways.cfg"); its id is the gateway id
 // that line bindings refer to.
@@ -23,35 +23,25 @@ struct GatewayBlock {
   void Write(cfg::Document& doc, cfg::Section& section) const;
 };
 
-// The media gateways. One shared, reference-counted instance per process:
-// with createIfMissing a missing or unreadable file gives an instance
-// without gateways (never nullptr), without it nullptr. Every non-null
-// GetInstance is paired with one CloseInstance.
+// The media gateways. One shared, reference-counted instance per process
+// (SharedAccessor): with createIfMissing a missing or unreadable file gives
+// an instance without gateways (never nullptr), without it nullptr.
 //
 // Threads: every holder sees the same object. The rule is that of
-// GeneralSettingsAccessor: a Load, a write (InsertBlock, SaveBlock,
+// SharedAccessor: a Load, a write (InsertBlock, SaveBlock,
 // DeleteBlock, a block changed in place) and any use of blocks that another
 // thread may reload or change meanwhile run under Lock, held for as long as
 // the block pointers are used (a Load deletes the blocks it replaces).
 // Without other threads (the agent's start-up) no lock is needed.
-class GatewayAccessor : public BlocksAccessorBase<GatewayBlock> {
+class GatewayAccessor : public BlocksAccessorBase<GatewayBlock>,
+                        public SharedAccessor<GatewayAccessor> {
  public:
   static constexpr const char* kFileName = "gateways.cfg";
-
-  // Holds the shared instance's lock while in scope; not recursive.
-  using Lock = SharedValuesLock<GatewayAccessor>;
-  // The mutex behind Lock; the same for every instance, open or not.
-  static ThreadMutex& InstanceMutex();
-
-  // The shared instance (see above).
-  static GatewayAccessor* GetInstance(bool createIfMissing);
-  // Drops one reference; the last one deletes the instance.
-  static void CloseInstance();
 
  private:
   explicit GatewayAccessor(std::string path) : BlocksAccessorBase(std::move(path)) {}
   ~GatewayAccessor() override = default;
-  friend struct BlocksAccessorInstance<GatewayAccessor>;
+  friend class SharedAccessor<GatewayAccessor>;
 };
 
 #endif  // CMCFG_PLATFORM_BLOCKS_GATEWAY_ACCESSOR_H_

@@ -4,48 +4,21 @@
 #include <cstdint>
 #include <list>
 #include <string>
-#include <vector>
 
-#include "platform/blocks/shared_instance.h"
+#include "platform/blocks/settings_accessor.h"
 
 // The appliance's general settings ("telephony/general.cfg"). One shared,
-// reference-counted instance per process: GetInstance/CloseInstance pairs.
-// The file's key for each field is the field name in snake_case (documented
-// in docs/); a missing key keeps the default below.
-//
-// Threads: every holder sees the same object, so a reload by one thread
-// rewrites the values another is reading. The rule: Reload, Save and any
-// read of values that another thread may reload meanwhile run under Lock,
-// held from the reload through the reads that must agree with it (a
-// reload-then-read is then one step for the other reloaders). Without
-// other threads (the agent's start-up reads) no lock is needed. GetInstance
-// and CloseInstance take no Lock; a holder of Lock may call them.
-class GeneralSettingsAccessor {
+// reference-counted instance per process (GetInstance/CloseInstance pairs)
+// under the thread rule of SharedAccessor: Reload, Save and any read of
+// values that another thread may reload meanwhile run under Lock. The
+// file's key for each field is the field name in snake_case (documented in
+// docs/); a missing key keeps the default below.
+class GeneralSettingsAccessor : public SettingsAccessor<GeneralSettingsAccessor> {
  public:
-  // Holds the shared instance's lock while in scope; not recursive.
-  using Lock = SharedValuesLock<GeneralSettingsAccessor>;
-  // The mutex behind Lock; the same for every instance, open or not.
-  static ThreadMutex& InstanceMutex();
+  static constexpr const char* kFileName = "general.cfg";
 
-  // The shared instance, loading the file on first use. With
-  // createIfMissing a missing or unreadable file gives an instance with the
-  // defaults (never nullptr); without it such a file gives nullptr.
-  static GeneralSettingsAccessor* GetInstance(bool createIfMissing);
-  // Drops one reference; the last one deletes the instance.
-  static void CloseInstance();
-
-  // Reads the file again into a fresh object, whose values then replace
-  // these (Reload and Load are the same operation under the two names its
-  // users know it by).
-  // False when it cannot be read; the values then stay as they were.
-  // Caller holds Lock when other threads may use the instance.
-  bool Reload();
+  // Reload under the name some of its users know it by.
   bool Load() { return Reload(); }
-  // Writes the values changed since the file was read or last saved,
-  // atomically and under the file's lock; values another process saved in
-  // the meantime survive unless changed here too. True also when nothing
-  // changed. Under Lock as Reload.
-  bool Save();
 
   // --- logging
   int32_t logEnabled = 0;        // trace lines into "cmcfg.log"
@@ -105,11 +78,10 @@ class GeneralSettingsAccessor {
   uint32_t cdrFailedFiles = 10;
 
  private:
-  GeneralSettingsAccessor() = default;
+  explicit GeneralSettingsAccessor(std::string path);
   ~GeneralSettingsAccessor() = default;
-  friend struct GeneralSettingsInstance;
-  std::string path_;
-  std::vector<std::string> known_;  // value texts as last read or saved
+  friend class SharedAccessor<GeneralSettingsAccessor>;
+  friend class SettingsAccessor<GeneralSettingsAccessor>;
 };
 
 #endif  // CMCFG_PLATFORM_BLOCKS_GENERAL_SETTINGS_ACCESSOR_H_

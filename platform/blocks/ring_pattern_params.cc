@@ -1,6 +1,6 @@
 #include "platform/blocks/ring_pattern_params.h"
 
-#include "platform/blocks/blocks_instance.h"
+#include "platform/blocks/accessor_instance.h"
 
 void RingPatternBlock::Read(const cfg::Section& section) {
   blocks::ReadKey(section, "name", &name);
@@ -12,14 +12,4 @@ void RingPatternBlock::Write(cfg::Document& doc, cfg::Section& section) const {
   blocks::WriteKey(doc, section, "cadence", cadence);
 }
 
-ThreadMutex& RingPatternParams::InstanceMutex() {
-  return BlocksAccessorInstance<RingPatternParams>::Shared().values_mutex();
-}
-
-RingPatternParams* RingPatternParams::GetInstance(bool createIfMissing) {
-  return BlocksAccessorInstance<RingPatternParams>::Shared().Acquire(createIfMissing);
-}
-
-void RingPatternParams::CloseInstance() {
-  BlocksAccessorInstance<RingPatternParams>::Shared().Release();
-}
+template class SharedAccessor<RingPatternParams>;

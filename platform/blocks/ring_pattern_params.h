@@ -6,7 +6,7 @@
 
 #include "platform/base/document.h"
 #include "platform/blocks/blocks_accessor_base.h"
-#include "platform/blocks/shared_instance.h"
+#include "platform/blocks/shared_accessor.h"
 
 // One named ring pattern ("telephony/ringpatterns.cfg"), chosen by name for
 // distinctive ringing.
@@ -21,22 +21,15 @@ struct RingPatternBlock {
 
 // The named ring patterns. Shared instance and thread rule as
 // GatewayAccessor.
-class RingPatternParams : public BlocksAccessorBase<RingPatternBlock> {
+class RingPatternParams : public BlocksAccessorBase<RingPatternBlock>,
+                          public SharedAccessor<RingPatternParams> {
  public:
   static constexpr const char* kFileName = "ringpatterns.cfg";
-
-  // Holds the shared instance's lock while in scope (see GatewayAccessor).
-  using Lock = SharedValuesLock<RingPatternParams>;
-  static ThreadMutex& InstanceMutex();
-
-  // The shared instance and its release, as GatewayAccessor's.
-  static RingPatternParams* GetInstance(bool createIfMissing);
-  static void CloseInstance();
 
  private:
   explicit RingPatternParams(std::string path) : BlocksAccessorBase(std::move(path)) {}
   ~RingPatternParams() override = default;
-  friend struct BlocksAccessorInstance<RingPatternParams>;
+  friend class SharedAccessor<RingPatternParams>;
 };
 
 #endif  // CMCFG_PLATFORM_BLOCKS_RING_PATTERN_PARAMS_H_

@@ -1,6 +1,6 @@
 #include "platform/blocks/tos_params_accessor.h"
 
-#include "platform/blocks/blocks_instance.h"
+#include "platform/blocks/accessor_instance.h"
 
 void TosBlock::Read(const cfg::Section& section) {
   blocks::ReadKey(section, "name", &name);
@@ -11,18 +11,8 @@ void TosBlock::Read(const cfg::Section& section) {
 void TosBlock::Write(cfg::Document& doc, cfg::Section& section) const {
   blocks::WriteKey(doc, section, "name", name);
   // TOS bytes are read and quoted in hex (0xB8 is expedited forwarding).
-  doc.Set(section, "signaling_tos", blocks::FormatHexByte(signalingTos));
-  doc.Set(section, "media_tos", blocks::FormatHexByte(mediaTos));
+  doc.Set(section, "signaling_tos", cfg::FormatHexByte(signalingTos));
+  doc.Set(section, "media_tos", cfg::FormatHexByte(mediaTos));
 }
 
-ThreadMutex& TosParamsAccessor::InstanceMutex() {
-  return BlocksAccessorInstance<TosParamsAccessor>::Shared().values_mutex();
-}
-
-TosParamsAccessor* TosParamsAccessor::GetInstance(bool createIfMissing) {
-  return BlocksAccessorInstance<TosParamsAccessor>::Shared().Acquire(createIfMissing);
-}
-
-void TosParamsAccessor::CloseInstance() {
-  BlocksAccessorInstance<TosParamsAccessor>::Shared().Release();
-}
+template class SharedAccessor<TosParamsAccessor>;

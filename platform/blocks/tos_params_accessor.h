@@ -6,7 +6,7 @@
 
 #include "platform/base/document.h"
 #include "platform/blocks/blocks_accessor_base.h"
-#include "platform/blocks/shared_instance.h"
+#include "platform/blocks/shared_accessor.h"
 
 // One TOS profile ("telephony/tos.cfg"): the IP type-of-service bytes
 // marked on signalling and on media packets. Lines name the profile.
@@ -22,22 +22,15 @@ struct TosBlock {
 
 // The TOS profiles, looked up with GetBlockByName. Shared instance and
 // thread rule as GatewayAccessor.
-class TosParamsAccessor : public BlocksAccessorBase<TosBlock> {
+class TosParamsAccessor : public BlocksAccessorBase<TosBlock>,
+                          public SharedAccessor<TosParamsAccessor> {
  public:
   static constexpr const char* kFileName = "tos.cfg";
-
-  // Holds the shared instance's lock while in scope (see GatewayAccessor).
-  using Lock = SharedValuesLock<TosParamsAccessor>;
-  static ThreadMutex& InstanceMutex();
-
-  // The shared instance and its release, as GatewayAccessor's.
-  static TosParamsAccessor* GetInstance(bool createIfMissing);
-  static void CloseInstance();
 
  private:
   explicit TosParamsAccessor(std::string path) : BlocksAccessorBase(std::move(path)) {}
   ~TosParamsAccessor() override = default;
-  friend struct BlocksAccessorInstance<TosParamsAccessor>;
+  friend class SharedAccessor<TosParamsAccessor>;
 };
 
 #endif  // CMCFG_PLATFORM_BLOCKS_TOS_PARAMS_ACCESSOR_H_

@@ -1,8 +1,9 @@
+#include <memory>
 #include <set>
 #include <string>
 
 #include "platform/base/file_system.h"
-#include "platform/blocks/value_codec.h"
+#include "platform/base/value_codec.h"
 #include "platform/extension/extension_rep.h"
 
 namespace {
@@ -43,14 +44,12 @@ bool extdb::ContactId(std::string_view name, unsigned long* id) {
   if (name.size() <= kPrefix.size() || name.substr(0, kPrefix.size()) != kPrefix) return false;
   std::string_view rest = name.substr(kPrefix.size());
   if (rest.find(' ') != std::string_view::npos) return false;
-  return blocks::ParseValue(rest, id);
+  return cfg::ParseValue(rest, id);
 }
 
 AddressPatternParams::AddressPatternParams() : rep_(new Rep) {}
 
-AddressPatternParams::~AddressPatternParams() {
-  for (auto& entry : rep_->accessors) delete entry.second;
-}
+AddressPatternParams::~AddressPatternParams() = default;
 
 AddressPatternBlock* AddressPatternParams::GetBlock(unsigned long id) const {
   for (const auto& block : rep_->blocks)
@@ -78,7 +77,7 @@ void AddressPatternParams::Refresh() {
     if (!extdb::ContactId(section.name, &id) || !seen.insert(id).second) continue;
     AddressPatternBlock* block = GetBlock(id);
     if (block == nullptr) {
-      rep_->blocks.emplace_back(new AddressPatternBlock);
+      rep_->blocks.push_back(std::make_unique<AddressPatternBlock>());
       block = rep_->blocks.back().get();
       block->id = id;
     }
@@ -86,7 +85,7 @@ void AddressPatternParams::Refresh() {
     block->name = name ? std::string(name->value) : std::string();
     block->callType = 0;
     if (const cfg::Entry* type = section.Find("call_type"))
-      blocks::ParseValue(type->value, &block->callType);
+      cfg::ParseValue(type->value, &block->callType);
     if (id >= rep_->nextId) rep_->nextId = id + 1;
   }
   // Contacts removed from the file go, with their services.
@@ -95,11 +94,7 @@ void AddressPatternParams::Refresh() {
       ++it;
       continue;
     }
-    auto accessor = rep_->accessors.find(it->get());
-    if (accessor != rep_->accessors.end()) {
-      delete accessor->second;
-      rep_->accessors.erase(accessor);
-    }
+    rep_->accessors.erase(it->get());
     it = rep_->blocks.erase(it);
   }
 }
@@ -107,18 +102,16 @@ void AddressPatternParams::Refresh() {
 SupServAccessor* AddressPatternParams::GetSupServAccessor(AddressPatternBlock* block, bool create) {
   if (block == nullptr || GetBlock(block->id) != block) return nullptr;
   auto it = rep_->accessors.find(block);
-  if (it != rep_->accessors.end()) return it->second;
-  SupServAccessor* accessor = new SupServAccessor;
+  if (it != rep_->accessors.end()) return it->second.get();
+  std::unique_ptr<SupServAccessor> accessor(new SupServAccessor);
   accessor->rep_->owner = rep_->owner;
   accessor->rep_->block = block;
   unsigned found = 0;
-  extdb::ReadServices(rep_->owner->doc, block->id, kAllServices, accessor, &found);
-  if (found == 0 && !create) {
-    delete accessor;  // nothing stored for this contact
-    return nullptr;
-  }
-  rep_->accessors[block] = accessor;
-  return accessor;
+  extdb::ReadServices(rep_->owner->doc, block->id, kAllServices, accessor.get(), &found);
+  if (found == 0 && !create) return nullptr;  // nothing stored for this contact
+  SupServAccessor* kept = accessor.get();
+  rep_->accessors.emplace(block, std::move(accessor));
+  return kept;
 }
 
 SupServAccessor::SupServAccessor() : rep_(new Rep) { ResetServices(kAllServices, this); }
@@ -136,7 +129,7 @@ bool SupServAccessor::Load(unsigned mask) {
 }
 
 bool SupServAccessor::Store(unsigned mask) {
-  if (rep_->owner == nullptr) return false;
+  if (rep_->owner == nullptr || !extdb::CanWriteServices(*this, mask)) return false;
   const AddressPatternBlock& block = *rep_->block;
   cfg::Status s = cfg::UpdateDocument(rep_->owner->path, [&](cfg::Document& doc) {
     // Re-read under the lock: only this contact's services of `mask` change.

@@ -1,12 +1,13 @@
 // Decoding of an extension file's sections into its parameter blocks.
 #include <string>
 
+#include "platform/base/field_table.h"
+#include "platform/base/value_codec.h"
 #include "platform/extension/extension_rep.h"
-#include "platform/extension/section_fields.h"
 
 namespace extdb {
 
-using blocks::ParseValue;
+using cfg::ParseValue;
 
 bool ParseAddressEntry(std::string_view text, AddrInfo* out) {
   size_t first = text.find(',');
@@ -24,7 +25,7 @@ bool ParseAddressEntry(std::string_view text, AddrInfo* out) {
 
 namespace {
 
-const Field<ExtSipSettingsParams> kSipFields[] = {
+const cfg::Field<ExtSipSettingsParams> kSipFields[] = {
     {"auth_name", &ExtSipSettingsParams::authName},
     {"user_name", &ExtSipSettingsParams::userName},
     {"password", &ExtSipSettingsParams::password},
@@ -41,7 +42,7 @@ const Field<ExtSipSettingsParams> kSipFields[] = {
     {"sip_keep_alive", &ExtSipSettingsParams::sipKeepAlive},
 };
 
-const Field<ExtPersonalInfoParams> kPersonalFields[] = {
+const cfg::Field<ExtPersonalInfoParams> kPersonalFields[] = {
     {"full_name", &ExtPersonalInfoParams::fullName},
     {"email", &ExtPersonalInfoParams::email},
     {"password", &ExtPersonalInfoParams::password},
@@ -61,7 +62,7 @@ const Field<ExtPersonalInfoParams> kPersonalFields[] = {
     {"announcement_repeat", &ExtPersonalInfoParams::announcementRepeat},
 };
 
-const Field<ExtServicesParams> kServicesFields[] = {
+const cfg::Field<ExtServicesParams> kServicesFields[] = {
     {"call_waiting", &ExtServicesParams::callWaiting},
     {"do_not_disturb", &ExtServicesParams::doNotDisturb},
     {"hotline", &ExtServicesParams::hotline},
@@ -89,13 +90,13 @@ const Field<ExtServicesParams> kServicesFields[] = {
     {"anonymous_call_rejection", &ExtServicesParams::anonymousRejection},
 };
 
-const Field<ExtTimeoutsParams> kTimeoutsFields[] = {
+const cfg::Field<ExtTimeoutsParams> kTimeoutsFields[] = {
     {"no_answer_timeout", &ExtTimeoutsParams::noAnswerTimeout},
     {"call_park_timeout", &ExtTimeoutsParams::callParkTimeout},
     {"dial_timeout", &ExtTimeoutsParams::dialTimeout},
 };
 
-const Field<ExtCodecParams> kCodecFields[] = {
+const cfg::Field<ExtCodecParams> kCodecFields[] = {
     {"voice_codecs", &ExtCodecParams::voiceCodecs},
     {"fax_codecs", &ExtCodecParams::faxCodecs},
     {"extra_voice_codecs", &ExtCodecParams::extraVoiceCodecs},
@@ -103,31 +104,31 @@ const Field<ExtCodecParams> kCodecFields[] = {
     {"codec_option", &ExtCodecParams::codecOption},
 };
 
-const Field<ExtPstnAgentParams> kPstnAgentFields[] = {
+const cfg::Field<ExtPstnAgentParams> kPstnAgentFields[] = {
     {"fxo_channels", &ExtPstnAgentParams::fxoChannels},
     {"cas_channels", &ExtPstnAgentParams::casChannels},
     {"isdn_channels", &ExtPstnAgentParams::isdnChannels},
 };
 
-const Field<CallParkGeneralParams> kCallParkFields[] = {
+const cfg::Field<CallParkGeneralParams> kCallParkFields[] = {
     {"timeout_minutes", &CallParkGeneralParams::timeoutMinutes},
 };
 
-const Field<PickupGroupParams> kPickupFields[] = {
+const cfg::Field<PickupGroupParams> kPickupFields[] = {
     {"members", &PickupGroupParams::members},
 };
 
-const Field<ExtBusyRedialParams> kBusyRedialFields[] = {
+const cfg::Field<ExtBusyRedialParams> kBusyRedialFields[] = {
     {"interval", &ExtBusyRedialParams::interval},
     {"period_minutes", &ExtBusyRedialParams::periodMinutes},
 };
 
-const Field<ExtAutoCallParams> kAutoCallFields[] = {
+const cfg::Field<ExtAutoCallParams> kAutoCallFields[] = {
     {"enabled", &ExtAutoCallParams::enabled},
     {"destination", &ExtAutoCallParams::destination},
 };
 
-const Field<AttGeneralParams> kAttendantFields[] = {
+const cfg::Field<AttGeneralParams> kAttendantFields[] = {
     {"console_mode", &AttGeneralParams::consoleMode},
     {"night_mode", &AttGeneralParams::nightMode},
     {"queue_size", &AttGeneralParams::queueSize},
@@ -176,30 +177,29 @@ bool HasPrefixedSection(const cfg::Document& doc, std::string_view prefix) {
 // The block of a property: its section's values, or the defaults when the
 // file has no such section.
 template <typename Block, size_t N>
-std::unique_ptr<Block> Decode(const cfg::Document& doc, unsigned property,
-                              const Field<Block> (&fields)[N]) {
-  std::unique_ptr<Block> block(new Block);
-  block->property = property;
+Block Decode(const cfg::Document& doc, unsigned property, const cfg::Field<Block> (&fields)[N]) {
+  Block block;
+  block.property = property;
   const cfg::Section* section = SectionOf(doc, property);
-  if (section != nullptr) ReadFields(*section, fields, block.get());
+  if (section != nullptr) cfg::ReadFields(*section, fields, &block);
   return block;
 }
 
-std::unique_ptr<ExtServiceCodesParams> DecodeServiceCodes(const cfg::Document& doc) {
-  std::unique_ptr<ExtServiceCodesParams> block(new ExtServiceCodesParams);
-  block->property = kPropServiceCodes;
+ExtServiceCodesParams DecodeServiceCodes(const cfg::Document& doc) {
+  ExtServiceCodesParams block;
+  block.property = kPropServiceCodes;
   const cfg::Section* section = SectionOf(doc, kPropServiceCodes);
   if (section == nullptr) return block;
   for (int i = 0; i < ExtServiceCodesParams::kCount; ++i) {
     const cfg::Entry* entry = section->Find("code_" + std::to_string(i + 1));
-    if (entry != nullptr) block->codes[i] = std::string(entry->value);
+    if (entry != nullptr) block.codes[i] = std::string(entry->value);
   }
   return block;
 }
 
-std::unique_ptr<AccessListParams> DecodeAccessList(const cfg::Document& doc) {
-  std::unique_ptr<AccessListParams> block(new AccessListParams);
-  block->property = kPropAccessList;
+AccessListParams DecodeAccessList(const cfg::Document& doc) {
+  AccessListParams block;
+  block.property = kPropAccessList;
   const cfg::Section* section = SectionOf(doc, kPropAccessList);
   if (section == nullptr) return block;
   // "entry_N = priority,enabled,type,address"
@@ -209,7 +209,7 @@ std::unique_ptr<AccessListParams> DecodeAccessList(const cfg::Document& doc) {
     AccessListParams::Entry entry;
     if (!ParseValue(value.substr(0, comma), &entry.priority)) return;
     if (!ParseAddressEntry(value.substr(comma + 1), &entry.address)) return;
-    block->entries.push_back(entry);
+    block.entries.push_back(entry);
   });
   return block;
 }
@@ -218,19 +218,18 @@ const char kSpeedDialPrefix[] = "speed_dial ";
 
 void DecodeSpeedDial(const cfg::Document& doc, Extension::Rep* rep) {
   // Entries handed out before stay alive until the extension goes.
-  for (auto& block : rep->speedDial) rep->retiredSpeedDial.push_back(std::move(block));
-  rep->speedDial.clear();
+  rep->retiredSpeedDial.splice(rep->retiredSpeedDial.end(), rep->speedDial);
   const std::string_view kPrefix = kSpeedDialPrefix;
   for (const cfg::Section& section : doc.sections()) {
     if (section.name.size() <= kPrefix.size() || section.name.substr(0, kPrefix.size()) != kPrefix)
       continue;
-    std::unique_ptr<SpeedDialBlock> block(new SpeedDialBlock);
-    if (!ParseValue(section.name.substr(kPrefix.size()), &block->id)) continue;
-    if (const cfg::Entry* e = section.Find("name")) block->name = std::string(e->value);
-    if (const cfg::Entry* e = section.Find("calling_code")) block->callingCode = std::string(e->value);
-    if (const cfg::Entry* e = section.Find("dest_type")) ParseValue(e->value, &block->destType);
-    if (const cfg::Entry* e = section.Find("address")) block->address = std::string(e->value);
-    if (const cfg::Entry* e = section.Find("destination")) block->destination = std::string(e->value);
+    SpeedDialBlock block;
+    if (!ParseValue(section.name.substr(kPrefix.size()), &block.id)) continue;
+    if (const cfg::Entry* e = section.Find("name")) block.name = std::string(e->value);
+    if (const cfg::Entry* e = section.Find("calling_code")) block.callingCode = std::string(e->value);
+    if (const cfg::Entry* e = section.Find("dest_type")) ParseValue(e->value, &block.destType);
+    if (const cfg::Entry* e = section.Find("address")) block.address = std::string(e->value);
+    if (const cfg::Entry* e = section.Find("destination")) block.destination = std::string(e->value);
     rep->speedDial.push_back(std::move(block));
   }
 }
@@ -238,16 +237,10 @@ void DecodeSpeedDial(const cfg::Document& doc, Extension::Rep* rep) {
 }  // namespace
 
 void DecodeProperties(const cfg::Document& doc, unsigned mask, Extension::Rep* rep) {
-  // Blocks are refreshed in place so that pointers handed out before a
-  // reload stay valid.
+  // A block that is there is assigned, not replaced, so that pointers
+  // handed out before a reload stay valid.
   auto assign = [&](unsigned property, auto& slot, auto decode) {
-    if (!(mask & property)) return;
-    auto fresh = decode();
-    if (slot) {
-      *slot = *fresh;
-    } else {
-      slot = std::move(fresh);
-    }
+    if (mask & property) slot = decode();
   };
   assign(kPropSipSettings, rep->sip, [&] { return Decode(doc, kPropSipSettings, kSipFields); });
   assign(kPropPersonalInfo, rep->personal,

@@ -1,3 +1,4 @@
+#include <optional>
 #include <utility>
 
 #include "platform/base/file_system.h"
@@ -16,7 +17,7 @@ bool Extension::Rep::Read() {
 
 Extension::Extension() : rep_(new Rep) {}
 
-Extension::~Extension() { delete rep_->addressBook; }
+Extension::~Extension() = default;
 
 const std::string& Extension::GetName() const { return rep_->name; }
 ExtType Extension::GetType() const { return rep_->type; }
@@ -27,7 +28,7 @@ bool Extension::LoadProperty(unsigned mask) {
   extdb::DecodeProperties(rep_->doc, mask & ~rep_->loaded, rep_.get());
   if ((mask & kPropAddressPatterns) && !(rep_->loaded & kPropAddressPatterns)) {
     if (rep_->addressBook == nullptr) {
-      rep_->addressBook = new AddressPatternParams;
+      rep_->addressBook.reset(new AddressPatternParams);
       rep_->addressBook->rep_->owner = rep_.get();
     }
     rep_->addressBook->Refresh();
@@ -52,8 +53,8 @@ namespace {
 
 // Loaded properties always have their block (defaults for an absent section).
 template <typename Block>
-Block* Loaded(const Extension::Rep& rep, unsigned property, const std::unique_ptr<Block>& block) {
-  return (rep.loaded & property) ? block.get() : nullptr;
+Block* Loaded(const Extension::Rep& rep, unsigned property, std::optional<Block>& block) {
+  return (rep.loaded & property) && block ? &*block : nullptr;
 }
 
 }  // namespace
@@ -99,12 +100,12 @@ AttGeneralParams* Extension::GetAttGeneralParams() {
 std::list<SpeedDialBlock*> Extension::GetSpeedDialBlocks() {
   std::list<SpeedDialBlock*> blocks;
   if (rep_->loaded & kPropSpeedDial)
-    for (const auto& block : rep_->speedDial) blocks.push_back(block.get());
+    for (SpeedDialBlock& block : rep_->speedDial) blocks.push_back(&block);
   return blocks;
 }
 
 AddressPatternParams* Extension::GetAddressPatternParams() {
-  return (rep_->loaded & kPropAddressPatterns) ? rep_->addressBook : nullptr;
+  return (rep_->loaded & kPropAddressPatterns) ? rep_->addressBook.get() : nullptr;
 }
 
 bool Extension::AddBlock(unsigned property, AddressPatternBlock* block) {

@@ -178,6 +178,7 @@ class AddressPatternParams {
 
  private:
   friend class Extension;
+  friend struct std::default_delete<AddressPatternParams>;
   AddressPatternParams();
   ~AddressPatternParams();
   // Brings the blocks in line with the extension's file, keeping the
@@ -194,7 +195,9 @@ class SupServAccessor {
   bool Load(unsigned mask);
   // Writes the services of mask back to the extension's file, atomically,
   // under the file's lock (other contacts and services are re-read, not
-  // overwritten).
+  // overwritten). False, the file untouched, when it cannot be written or
+  // a hunt target's or many-ringing number holds a comma (the next read
+  // would split it).
   bool Store(unsigned mask);
 
   SSClirParams clir;
@@ -212,6 +215,7 @@ class SupServAccessor {
 
  private:
   friend class AddressPatternParams;
+  friend struct std::default_delete<SupServAccessor>;
   SupServAccessor();
   ~SupServAccessor();
   std::unique_ptr<Rep> rep_;

@@ -4,6 +4,7 @@
 #include <list>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -48,8 +49,23 @@ bool ContactId(std::string_view name, unsigned long* id);
 void ReadServices(const cfg::Document& doc, unsigned long id, unsigned mask, SupServAccessor* out,
                   unsigned* found);
 void WriteServices(const SupServAccessor& in, unsigned long id, unsigned mask, cfg::Document* doc);
+// False when a service of `mask` holds a list member that would not read
+// back as written: a hunt target's or many-ringing number with a comma.
+bool CanWriteServices(const SupServAccessor& in, unsigned mask);
 // Writes a contact's own section (name and call type).
 void WriteContact(const AddressPatternBlock& block, cfg::Document* doc);
+
+// Calls visit(value) for the entries of `section` whose key is `prefix`
+// followed by a number ("destination_1", "destination_2", ...), in file
+// order.
+template <typename Visit>
+void ForNumberedKeys(const cfg::Section& section, std::string_view prefix, Visit visit) {
+  for (const cfg::Entry& entry : section.entries) {
+    if (entry.key.size() <= prefix.size() || entry.key.substr(0, prefix.size()) != prefix) continue;
+    if (entry.key.find_first_not_of("0123456789", prefix.size()) != std::string_view::npos) continue;
+    visit(entry.value);
+  }
+}
 
 }  // namespace extdb
 
@@ -62,22 +78,25 @@ struct Extension::Rep {
   unsigned loaded = 0;    // properties decoded from it so far
   std::string text;
 
-  std::unique_ptr<ExtSipSettingsParams> sip;
-  std::unique_ptr<ExtPersonalInfoParams> personal;
-  std::unique_ptr<ExtServicesParams> services;
-  std::unique_ptr<ExtTimeoutsParams> timeouts;
-  std::unique_ptr<ExtCodecParams> codecs;
-  std::unique_ptr<ExtServiceCodesParams> serviceCodes;
-  std::unique_ptr<ExtPstnAgentParams> pstnAgent;
-  std::unique_ptr<CallParkGeneralParams> callPark;
-  std::unique_ptr<AccessListParams> accessList;
-  std::unique_ptr<PickupGroupParams> pickupGroup;
-  std::unique_ptr<ExtBusyRedialParams> busyRedial;
-  std::unique_ptr<ExtAutoCallParams> autoCall;
-  std::unique_ptr<AttGeneralParams> attendant;
-  std::list<std::unique_ptr<SpeedDialBlock>> speedDial;
-  std::list<std::unique_ptr<SpeedDialBlock>> retiredSpeedDial;
-  AddressPatternParams* addressBook = nullptr;  // owned; destroyed by ~Extension
+  // A property's block once decoded; kept (and its address with it) when
+  // the property is decoded again.
+  std::optional<ExtSipSettingsParams> sip;
+  std::optional<ExtPersonalInfoParams> personal;
+  std::optional<ExtServicesParams> services;
+  std::optional<ExtTimeoutsParams> timeouts;
+  std::optional<ExtCodecParams> codecs;
+  std::optional<ExtServiceCodesParams> serviceCodes;
+  std::optional<ExtPstnAgentParams> pstnAgent;
+  std::optional<CallParkGeneralParams> callPark;
+  std::optional<AccessListParams> accessList;
+  std::optional<PickupGroupParams> pickupGroup;
+  std::optional<ExtBusyRedialParams> busyRedial;
+  std::optional<ExtAutoCallParams> autoCall;
+  std::optional<AttGeneralParams> attendant;
+  // List nodes never move: entries handed out stay where they are.
+  std::list<SpeedDialBlock> speedDial;
+  std::list<SpeedDialBlock> retiredSpeedDial;
+  std::unique_ptr<AddressPatternParams> addressBook;  // made when first loaded
 
   // Reads the file; false when it is missing or unreadable (the document
   // is then empty and `readable` false).
@@ -87,7 +106,7 @@ struct Extension::Rep {
 struct AddressPatternParams::Rep {
   Extension::Rep* owner = nullptr;
   std::list<std::unique_ptr<AddressPatternBlock>> blocks;
-  std::map<AddressPatternBlock*, SupServAccessor*> accessors;  // owned
+  std::map<AddressPatternBlock*, std::unique_ptr<SupServAccessor>> accessors;
   unsigned long nextId = 1;
 };
 

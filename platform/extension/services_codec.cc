@@ -2,14 +2,15 @@
 // file: one section per service, "contact ID SERVICE".
 #include <string>
 
+#include "platform/base/field_table.h"
+#include "platform/base/value_codec.h"
 #include "platform/extension/extension_rep.h"
-#include "platform/extension/section_fields.h"
 
 namespace extdb {
 namespace {
 
-using blocks::FormatValue;
-using blocks::ParseValue;
+using cfg::FormatValue;
+using cfg::ParseValue;
 
 struct ServiceInfo {
   unsigned bit;
@@ -29,37 +30,37 @@ const ServiceInfo kServices[] = {
     {0x200, "intercom"},
 };
 
-const Field<SSClirParams> kClirFields[] = {{"active", &SSClirParams::active}};
+const cfg::Field<SSClirParams> kClirFields[] = {{"active", &SSClirParams::active}};
 
-const Field<SSBlockCallParams> kBlockFields[] = {
+const cfg::Field<SSBlockCallParams> kBlockFields[] = {
     {"active", &SSBlockCallParams::active},
     {"block_anonymous", &SSBlockCallParams::blockAnonymous},
     {"block_international", &SSBlockCallParams::blockInternational},
     {"block_mode", &SSBlockCallParams::blockMode},
 };
 
-const Field<SSDistRingingParams> kDistRingFields[] = {
+const cfg::Field<SSDistRingingParams> kDistRingFields[] = {
     {"active", &SSDistRingingParams::active},
     {"ring_name", &SSDistRingingParams::ringName},
     {"pattern", &SSDistRingingParams::pattern},
 };
 
-const Field<SSHuntRingingParams> kHuntFields[] = {
+const cfg::Field<SSHuntRingingParams> kHuntFields[] = {
     {"active", &SSHuntRingingParams::active},
     {"hunt_mode", &SSHuntRingingParams::huntMode},
 };
 
-const Field<SSManyRingingParams> kManyFields[] = {
+const cfg::Field<SSManyRingingParams> kManyFields[] = {
     {"active", &SSManyRingingParams::active},
     {"numbers", &SSManyRingingParams::numbers},
 };
 
-const Field<SSForwardParams> kForwardFields[] = {{"active", &SSForwardParams::active}};
+const cfg::Field<SSForwardParams> kForwardFields[] = {{"active", &SSForwardParams::active}};
 
-const Field<SSIntercomParams> kIntercomFields[] = {{"mode", &SSIntercomParams::mode}};
+const cfg::Field<SSIntercomParams> kIntercomFields[] = {{"mode", &SSIntercomParams::mode}};
 
 void ReadHunt(const cfg::Section& section, SSHuntRingingParams* hunt) {
-  ReadFields(section, kHuntFields, hunt);
+  cfg::ReadFields(section, kHuntFields, hunt);
   hunt->targets.clear();
   // "target_N = number,ring time"
   ForNumberedKeys(section, "target_", [&](std::string_view value) {
@@ -71,7 +72,7 @@ void ReadHunt(const cfg::Section& section, SSHuntRingingParams* hunt) {
 }
 
 void ReadForward(const cfg::Section& section, SSForwardParams* forward) {
-  ReadFields(section, kForwardFields, forward);
+  cfg::ReadFields(section, kForwardFields, forward);
   const cfg::Entry* text = section.Find("text");
   forward->hasText = text != nullptr;
   forward->text = text ? std::string(text->value) : std::string();
@@ -93,16 +94,16 @@ const SSForwardParams& ForwardOf(const SupServAccessor& a, unsigned bit) {
 
 void ReadService(const cfg::Section& section, unsigned bit, SupServAccessor* out) {
   switch (bit) {
-    case 0x001: ReadFields(section, kClirFields, &out->clir); break;
-    case 0x002: ReadFields(section, kBlockFields, &out->incomingBlocking); break;
-    case 0x004: ReadFields(section, kBlockFields, &out->outgoingBlocking); break;
-    case 0x008: ReadFields(section, kDistRingFields, &out->distRinging); break;
+    case 0x001: cfg::ReadFields(section, kClirFields, &out->clir); break;
+    case 0x002: cfg::ReadFields(section, kBlockFields, &out->incomingBlocking); break;
+    case 0x004: cfg::ReadFields(section, kBlockFields, &out->outgoingBlocking); break;
+    case 0x008: cfg::ReadFields(section, kDistRingFields, &out->distRinging); break;
     case 0x010: ReadHunt(section, &out->hunt); break;
-    case 0x020: ReadFields(section, kManyFields, &out->manyRinging); break;
+    case 0x020: cfg::ReadFields(section, kManyFields, &out->manyRinging); break;
     case 0x040:
     case 0x080:
     case 0x100: ReadForward(section, ForwardOf(out, bit)); break;
-    case 0x200: ReadFields(section, kIntercomFields, &out->intercom); break;
+    case 0x200: cfg::ReadFields(section, kIntercomFields, &out->intercom); break;
   }
 }
 
@@ -110,31 +111,31 @@ void ReadService(const cfg::Section& section, unsigned bit, SupServAccessor* out
 void WriteService(const SupServAccessor& in, unsigned bit, cfg::Document* doc,
                   cfg::Section* section) {
   switch (bit) {
-    case 0x001: WriteFields(in.clir, kClirFields, doc, section); break;
-    case 0x002: WriteFields(in.incomingBlocking, kBlockFields, doc, section); break;
-    case 0x004: WriteFields(in.outgoingBlocking, kBlockFields, doc, section); break;
-    case 0x008: WriteFields(in.distRinging, kDistRingFields, doc, section); break;
+    case 0x001: cfg::WriteFields(in.clir, kClirFields, doc, section); break;
+    case 0x002: cfg::WriteFields(in.incomingBlocking, kBlockFields, doc, section); break;
+    case 0x004: cfg::WriteFields(in.outgoingBlocking, kBlockFields, doc, section); break;
+    case 0x008: cfg::WriteFields(in.distRinging, kDistRingFields, doc, section); break;
     case 0x010: {
-      WriteFields(in.hunt, kHuntFields, doc, section);
+      cfg::WriteFields(in.hunt, kHuntFields, doc, section);
       int n = 0;
       for (const auto& target : in.hunt.targets)
         doc->Set(*section, "target_" + std::to_string(++n),
                  target.first + "," + FormatValue(target.second));
       break;
     }
-    case 0x020: WriteFields(in.manyRinging, kManyFields, doc, section); break;
+    case 0x020: cfg::WriteFields(in.manyRinging, kManyFields, doc, section); break;
     case 0x040:
     case 0x080:
     case 0x100: {
       const SSForwardParams& forward = ForwardOf(in, bit);
-      WriteFields(forward, kForwardFields, doc, section);
+      cfg::WriteFields(forward, kForwardFields, doc, section);
       if (forward.hasText) doc->Set(*section, "text", forward.text);
       int n = 0;
       for (const AddrInfo& info : forward.destinations)
         doc->Set(*section, "destination_" + std::to_string(++n), FormatAddressEntry(info));
       break;
     }
-    case 0x200: WriteFields(in.intercom, kIntercomFields, doc, section); break;
+    case 0x200: cfg::WriteFields(in.intercom, kIntercomFields, doc, section); break;
   }
 }
 
@@ -166,6 +167,14 @@ void ReadServices(const cfg::Document& doc, unsigned long id, unsigned mask, Sup
     ReadService(*section, s.bit, out);
     *found |= s.bit;
   }
+}
+
+bool CanWriteServices(const SupServAccessor& in, unsigned mask) {
+  // "target_N = number,ring time": the number ends at the first comma.
+  if (mask & 0x010)
+    for (const auto& target : in.hunt.targets)
+      if (!cfg::IsListMember(target.first)) return false;
+  return !(mask & 0x020) || cfg::CanWriteFields(in.manyRinging, kManyFields);
 }
 
 void WriteServices(const SupServAccessor& in, unsigned long id, unsigned mask, cfg::Document* doc) {

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <list>
+#include <string>
 #include <tuple>
 
 #include "platform/base/file_system.h"
@@ -104,6 +106,25 @@ TEST_F(SettingsAccessorsTest, SaveWritesOnlyWhatChangedHere) {
   EXPECT_EQ("600", doc.Find("fxs")->Get("impedance"));
   EXPECT_EQ("x2", doc.Find("vendor")->Get("board"));
   EXPECT_EQ("400,200,400,2000", doc.Find("fxs")->Get("ring_cadence"));
+}
+
+TEST_F(SettingsAccessorsTest, ACodecNameWithACommaIsRefusedWholeSave) {
+  const char kFile[] = "section system\n{\nvoice_codecs = G711A,G729\n}\n";
+  root_.Write("telephony/general.cfg", kFile);
+  GeneralSettingsAccessor* s = GeneralSettingsAccessor::GetInstance(false);
+  ASSERT_NE(nullptr, s);
+  s->maxHoldCalls = 9;  // a good change in the same save is not written either
+  s->voiceCodecs = {"G711U", "G7,23"};
+  EXPECT_FALSE(s->Save());
+  EXPECT_EQ(kFile, root_.Read("telephony/general.cfg"));
+  ASSERT_TRUE(s->Reload());
+  EXPECT_EQ((std::list<std::string>{"G711A", "G729"}), s->voiceCodecs);
+  EXPECT_EQ(5, s->maxHoldCalls);
+
+  s->extraVoiceCodecs = {"G723", "iLBC"};  // names without a comma are saved
+  EXPECT_TRUE(s->Save());
+  GeneralSettingsAccessor::CloseInstance();
+  EXPECT_EQ("G723,iLBC", ReadBack("general.cfg").Find("system")->Get("extra_voice_codecs"));
 }
 
 }  // namespace

@@ -1,11 +1,11 @@
-#include "platform/blocks/value_codec.h"
+#include "platform/base/value_codec.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using blocks::FormatValue;
-using blocks::ParseValue;
+using cfg::FormatValue;
+using cfg::ParseValue;
 
 // Single numbers are covered through the accessors' files; lists are not.
 TEST(ValueCodec, CadenceIsAllNumbersOrNothing) {

@@ -141,6 +141,27 @@ TEST_F(ExtensionDbTest, FileIsReadOncePerManagerUntilReloaded) {
   EXPECT_TRUE(codecs->voiceCodecs.empty());  // the section went: defaults
 }
 
+TEST_F(ExtensionDbTest, SpeedDialEntriesHandedOutOutliveAReload) {
+  Put("user/101.cfg", "section speed_dial 1\n{\nname = Bob\n}\n");
+  ExtensionManager db(Db(), false);
+  Extension* user = db.GetExtension(kExtUser, "101", false);
+  ASSERT_NE(nullptr, user);
+  ASSERT_TRUE(user->LoadProperty(kPropSpeedDial));
+  std::list<SpeedDialBlock*> before = user->GetSpeedDialBlocks();
+  ASSERT_EQ(1u, before.size());
+
+  Put("user/101.cfg", "section speed_dial 2\n{\nname = Carol\n}\nsection speed_dial 3\n{\n}\n");
+  ASSERT_TRUE(user->ReloadProperty(kPropSpeedDial));
+  std::list<SpeedDialBlock*> after = user->GetSpeedDialBlocks();
+  ASSERT_EQ(2u, after.size());
+  EXPECT_EQ(2u, after.front()->id);
+  EXPECT_EQ("Carol", after.front()->name);
+  EXPECT_EQ(3u, after.back()->id);
+  // The entry handed out before is retired, not freed (the sanitizer build
+  // catches a read of freed memory here).
+  EXPECT_EQ("Bob", before.front()->name);
+}
+
 TEST_F(ExtensionDbTest, EveryPropertyOfAnEmptyFileReadsAsDefaults) {
   Put("attendant/100.cfg", "section contact 1 clir\n{\n}\n");  // a service alone: no contact
   ExtensionManager db(Db(), false);

@@ -1,9 +1,9 @@
-#include "platform/blocks/value_codec.h"
+#include "platform/base/value_codec.h"
 
 #include <cstdio>
 #include <limits>
 
-namespace blocks {
+namespace cfg {
 namespace {
 
 std::string_view Trim(std::string_view text) {
@@ -146,4 +146,12 @@ std::string FormatHexByte(uint8_t value) {
   return text;
 }
 
-}  // namespace blocks
+bool IsListMember(std::string_view text) { return text.find(',') == std::string_view::npos; }
+
+bool AreListMembers(const std::list<std::string>& names) {
+  for (const std::string& name : names)
+    if (!IsListMember(name)) return false;
+  return true;
+}
+
+}  // namespace cfg

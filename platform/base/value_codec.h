@@ -1,5 +1,5 @@
-#ifndef CMCFG_PLATFORM_BLOCKS_VALUE_CODEC_H_
-#define CMCFG_PLATFORM_BLOCKS_VALUE_CODEC_H_
+#ifndef CMCFG_PLATFORM_BASE_VALUE_CODEC_H_
+#define CMCFG_PLATFORM_BASE_VALUE_CODEC_H_
 
 #include <cstdint>
 #include <list>
@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace blocks {
+namespace cfg {
 
 // Value texts of the settings files. Numbers are decimal or "0x" hex, with
 // an optional "-" for signed types, surrounded by optional blanks. Every
@@ -38,6 +38,13 @@ std::string FormatValue(const std::vector<unsigned long>& value);  // "1000,2500
 // A byte as "0x" and two upper-case hex digits ("0xB8").
 std::string FormatHexByte(uint8_t value);
 
-}  // namespace blocks
+// True when `text` may stand as one member of a comma-separated list: it
+// holds no comma, which the next read would take for a separator. Writers
+// of lists refuse any other member instead of storing it split.
+bool IsListMember(std::string_view text);
+// True when every name of the list IsListMember.
+bool AreListMembers(const std::list<std::string>& names);
 
-#endif  // CMCFG_PLATFORM_BLOCKS_VALUE_CODEC_H_
+}  // namespace cfg
+
+#endif  // CMCFG_PLATFORM_BASE_VALUE_CODEC_H_
