@@ -1,9 +1,10 @@
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
+# The include folder reaches consumers through the target's own
+# INSTALL_INTERFACE include directory.
 install(TARGETS cmcfg EXPORT cmcfgTargets
-  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-  INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY include/cmcfg DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(EXPORT cmcfgTargets NAMESPACE cmcfg::
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/cmcfg)

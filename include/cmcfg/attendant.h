@@ -14,17 +14,24 @@ class CHAttendant;
 struct AttGeneralParams;
 struct ExtPersonalInfoParams;
 
-// An attendant console.
+// An attendant console: the user data and the console's settings. A plain
+// value; the agent owns the records of its attendant table. consoleContext
+// belongs to the call manager: copied with the record, never freed here.
 class CMCFG_EXPORT Attendant : public UsrData {
  public:
   Attendant() = default;
-  // Copies the general, personal and SIP data of the stored attendant.
+  // Copies the general, personal and SIP data of the stored attendant
+  // (loading those blocks into it); a block it lacks leaves the defaults.
   explicit Attendant(const CHAttendant& stored);
   Attendant(const Attendant&) = default;
   Attendant& operator=(const Attendant&) = default;
   ~Attendant() = default;
 
+  // Takes the console and night modes, queue size, ring timeout, welcome
+  // message and night destination, and the TOS bytes of the named profile
+  // when one is named (an unknown profile keeps the bytes).
   void InitGenData(const AttGeneralParams& params);
+  // Takes the full name as displayName, and the e-mail address.
   void InitPersonalData(const ExtPersonalInfoParams& params);
 
   int32_t consoleMode = 0;

@@ -8,7 +8,7 @@
 
 // One party or destination. Only the first (number or SIP user), third
 // (display name), fifth (host) and sixth (port) texts have a meaning here;
-// the others are carried for the call manager.
+// the others are carried for the call manager. A plain value.
 class CMCFG_EXPORT CallParams {
  public:
   CallParams() = default;

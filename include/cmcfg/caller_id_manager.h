@@ -24,8 +24,10 @@ class CMCFG_EXPORT CallerIDManager {
   CallerIDManager() = default;
   ~CallerIDManager() = default;
 
-  // Splits `pattern` into literal and placeholder tokens; false when it
-  // holds a placeholder the call type does not allow or ends in a lone '%'.
+  // Splits `pattern` into literal and placeholder tokens (`tokens` is
+  // emptied first; the last token is the literal tail, "" included); false,
+  // with the tokens read so far, when it holds a placeholder the call type
+  // does not allow or ends in a lone '%'.
   bool Check(CallType type, const std::string& pattern, std::list<std::string>& tokens);
   // Appends the caller-ID text for `caller` to `*result`; false (result
   // untouched) without a result string or with an invalid template.

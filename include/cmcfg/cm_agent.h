@@ -67,7 +67,9 @@ class CMCFG_EXPORT CMAgent {
   // Callers test logEnabled first.
   void LOG(const char* format, ...) __attribute__((format(printf, 2, 3)));
   // Re-reads the two log flags and the log-login setting (logLogin: both
-  // login flags set); each keeps its value when its settings are missing.
+  // login flags set). The log flags keep their values when the general
+  // settings are missing; a missing log_login.cfg reads as both login
+  // flags off.
   void LoadLogLevel();
   // Re-reads the tone table under toneMutex; missing tones take the
   // built-in defaults.

@@ -5,6 +5,7 @@
 #include <string>
 
 // One codec offered in media negotiation, as the codec library describes it.
+// Plain values, like every record of this header.
 struct CodecInfo {
   uint16_t rtpCodec = 0;      // RTP payload type
   uint16_t dspCodec = 0;      // codec number of the DSP firmware

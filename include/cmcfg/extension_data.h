@@ -26,8 +26,10 @@ struct CMCFG_EXPORT VmsSettings {
 
 // Remote-control policy of an extension.
 struct CMCFG_EXPORT RcSettings {
+  // Whether any bit of `mask` is set in the policy.
   bool IsExtPolicyOn(unsigned char mask) const { return (policy & mask) != 0; }
-  // first: bit 0x01 together with the value; otherwise bit 0x02.
+  // first: sets (on) or clears bit 0x01 and stores `value` (0 when off);
+  // otherwise sets or clears bit 0x02 only, the value staying.
   void ToggleExtPolicy(bool on, bool first, unsigned long value);
   int32_t value = 0;
   unsigned char policy = 0;
@@ -36,7 +38,8 @@ struct CMCFG_EXPORT RcSettings {
 typedef std::pair<KeySequence, KeypadButton> FunctionalEntry;
 typedef std::pair<KeySequence, ForwardParams> SpeedDialEntry;
 
-// One extension of the extension table.
+// One extension of the extension table. The agent owns the records of its
+// table; callers read and change them with LockBase held.
 class CMCFG_EXPORT ExtensionData : public UsrData {
  public:
   ExtensionData() = default;
@@ -44,8 +47,10 @@ class CMCFG_EXPORT ExtensionData : public UsrData {
   ExtensionData& operator=(const ExtensionData&) = default;
   ~ExtensionData() = default;
 
+  // Whether voice mail is on (VmsSettings::IsOn).
   bool IsMailboxOn(bool strict) const { return vms.IsOn(strict); }
-  // The any-caller contact's unconditional forward; false without one.
+  // Whether the address book's any-caller entry has its unconditional
+  // forward active; false when there is no such entry.
   bool IsForwardOn() const;
 
   std::list<AddressBookEntry> addressBook;

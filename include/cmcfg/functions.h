@@ -7,8 +7,11 @@
 #include "cmcfg/codec_info.h"
 #include "cmcfg/export.h"
 
-// Network interface names. GetWanIfName reads "/proc/orba/wan-if": -1 when
-// it cannot be opened (the name is then left as it was), else 0.
+// Network interface names. GetWanIfName reads "/proc/orba/wan-if",
+// trimmed of invisible characters at both ends: -1 when it cannot be
+// opened (the name is then left as it was), else 0. The LAN interface is
+// "eth0", the PPP one "ppp0". These free functions keep no state and may
+// be called from any thread.
 CMCFG_EXPORT int GetWanIfName(std::string& name);
 CMCFG_EXPORT void GetLanIfName(std::string& name);
 CMCFG_EXPORT void GetPPPIfName(std::string& name);

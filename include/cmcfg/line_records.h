@@ -14,10 +14,12 @@
 struct ExtPersonalInfoParams;
 struct ExtServicesParams;
 
-// TOS marking of signalling and media.
+// TOS marking of signalling and media. The records of this header are
+// plain values; the lists are owned by the record that holds them.
 struct CMCFG_EXPORT TosSettings {
-  // Takes both bytes of the named TOS profile; an unknown profile (or no
-  // TOS configuration) leaves the record as it was.
+  // Takes both bytes of the named TOS profile, read from the TOS settings
+  // for this call; an unknown profile (or no TOS configuration) leaves the
+  // record as it was.
   TosSettings& operator=(const std::string& profile);
   uint8_t signaling = 0;
   uint8_t media = 0;
@@ -30,9 +32,11 @@ struct CMCFG_EXPORT FxsDisconnectData {
 
 // Binding to an FXS port of a remote media gateway.
 struct CMCFG_EXPORT RemoteData {
+  // Unbound: both ids INACTIVE_PARTY, the rest zero.
   RemoteData();
-  // Takes only the personal value.
+  // Takes only the personal value (the remote-access setting).
   RemoteData& operator=(const ExtPersonalInfoParams& params);
+  // Back to the unbound record of the constructor.
   void Reset();
 
   int32_t isRemote = 0;
@@ -43,12 +47,15 @@ struct CMCFG_EXPORT RemoteData {
   uint32_t gatewayId;
 };
 
+// Fax settings of an extension.
 struct CMCFG_EXPORT FaxData {
   // Takes the five fax values and the fax profile; the lists stay.
   FaxData& operator=(const ExtServicesParams& params);
+  // Either fax mode set.
   bool IsFaxOn() const { return faxModeA != 0 || faxModeB != 0; }
-  // Whether to listen for fax tones on a call: the forcing settings win even
-  // with fax off.
+  // Whether to listen for fax tones on a call. Not on the call side: fax
+  // on. On the call side the configured forcing or `force` say yes even
+  // with fax off; otherwise fax on and tone detection enabled.
   bool IsStartFaxToneDetection(bool callSide, bool force) const;
 
   std::list<FaxCodecInfo> faxCodecs;         // fax relay
@@ -61,22 +68,27 @@ struct CMCFG_EXPORT FaxData {
   std::string faxProfile;
 };
 
+// Modem settings of an extension.
 struct CMCFG_EXPORT ModemData {
+  // Takes the modem mode; the codec list stays.
   ModemData& operator=(const ExtServicesParams& params);
   std::list<CodecInfo> modemCodecs;
   int32_t modemMode = 0;
 };
 
 struct CMCFG_EXPORT WatchSettings {
+  // Zeroes the value.
   void Reset() { value = 0; }
   uint16_t value = 0;
 };
 
 // Everything the call manager needs about one extension's line.
 struct CMCFG_EXPORT LineSettings {
+  // Local port unbound (both ids INACTIVE_PARTY), remote port unbound.
   LineSettings();
-  // Unbinds the local port (keeping codecs, TOS, fax, modem and the remote
-  // binding); the call queue is reset too unless keepQueue.
+  // Unbinds the local port and sets lineFlag back to 1 (keeping codecs,
+  // TOS, fax, modem and the remote binding); the call queue is reset too
+  // unless keepQueue.
   void Clear(bool keepQueue);
   // Clear, and unbind the remote port as well.
   void Reset(bool keepQueue);
@@ -96,6 +108,8 @@ struct CMCFG_EXPORT LineSettings {
   int32_t lineFlag = 1;
 };
 
+// FXOSettings, ISDNSettings, CASSettings: the PSTN channels of a trunk
+// extension, by kind of trunk.
 struct CMCFG_EXPORT FXOSettings {
   std::list<unsigned short> channels;
 };
@@ -109,7 +123,9 @@ struct CMCFG_EXPORT CASSettings {
   std::list<std::pair<unsigned short, std::list<unsigned short>>> spans;
 };
 
+// A media description carried for the call manager.
 struct CMCFG_EXPORT MediaParams {
+  // Empties the lists and the address.
   ~MediaParams();
   int32_t direction = 0;
   int32_t packetTime = 20;

@@ -20,10 +20,13 @@ struct SSHuntRingingParams;
 struct SSIntercomParams;
 struct SSManyRingingParams;
 
-// One forwarding destination.
+// One forwarding destination. The records of this header are plain values;
+// the lists are owned by the record that holds them.
 class CMCFG_EXPORT ForwardParams : public CallParams {
  public:
+  // Empty texts, call type a number.
   ForwardParams();
+  // Copies every text; call type a number, or `type`.
   explicit ForwardParams(const CallParams& params);
   ForwardParams(const CallParams& params, CallType type);
   ForwardParams(const ForwardParams&) = default;
@@ -32,7 +35,7 @@ class CMCFG_EXPORT ForwardParams : public CallParams {
   // Takes only the number, display name, host and port, and clears the
   // call type; the other texts stay as they were.
   ForwardParams& operator=(const CallParams& params);
-  // Same number and host.
+  // Same number and host (port, display name and call type not compared).
   bool operator==(const ForwardParams& other) const;
   // Orders by number and host joined without a separator.
   bool operator<(const ForwardParams& other) const;
@@ -50,12 +53,17 @@ struct CMCFG_EXPORT HuntRingTarget {
 
 // Multiple-extension ringing.
 struct CMCFG_EXPORT ManyExtRingData {
+  // Takes the active flag, and the extensions only when active (otherwise
+  // the list is emptied).
   ManyExtRingData& operator=(const SSManyRingingParams& params);
   int32_t active = 0;
   std::list<std::string> extensions;
 };
 
+// Hunting over a list of targets.
 struct CMCFG_EXPORT HuntRingData {
+  // Takes the active flag, and the targets and hunt mode only when active
+  // (otherwise the targets are emptied and the mode stays).
   HuntRingData& operator=(const SSHuntRingingParams& params);
   int32_t active = 0;
   std::list<HuntRingTarget> targets;
@@ -69,6 +77,10 @@ struct CMCFG_EXPORT HuntSet {
 
 // One forwarding service.
 struct CMCFG_EXPORT ForwardData {
+  // Takes the active flag, the text (empty when the block has none) and the
+  // enabled destinations in order: a SIP address split into user, host and
+  // port (one that does not parse is dropped), "pstn" alone as the trunk
+  // without a number, anything else as the number. The note stays.
   ForwardData& operator=(const SSForwardParams& params);
   int32_t active = 0;
   std::list<ForwardParams> destinations;
@@ -78,6 +90,7 @@ struct CMCFG_EXPORT ForwardData {
 
 // One direction of call blocking.
 struct CMCFG_EXPORT CallBlockingData {
+  // Takes the active flag and the blocking mode.
   CallBlockingData& operator=(const SSBlockCallParams& params);
   int32_t active = 0;
   int32_t blockMode = 0;
@@ -85,6 +98,11 @@ struct CMCFG_EXPORT CallBlockingData {
 
 // Distinctive ringing.
 struct CMCFG_EXPORT DistRingData {
+  // Takes the active flag. Inactive: the cadence is emptied, the rest stays.
+  // Active: the name, the pattern and its cadence: the default ring
+  // pattern's (read under its mutex) for an empty or "default" pattern; a
+  // named ring pattern's when it has two values or more; else the pattern's
+  // own comma-separated values, the default's when they are fewer than two.
   DistRingData& operator=(const SSDistRingingParams& params);
   int32_t active = 0;
   std::string ringName;
@@ -93,11 +111,14 @@ struct CMCFG_EXPORT DistRingData {
 };
 
 struct CMCFG_EXPORT IntercomData {
+  // Takes the mode.
   IntercomData& operator=(const SSIntercomParams& params);
   int32_t mode = 2;
 };
 
+// Calling-line identity restriction.
 struct CMCFG_EXPORT ClirData {
+  // Takes the active flag.
   ClirData& operator=(const SSClirParams& params);
   int32_t active = 0;
 };
@@ -116,6 +137,7 @@ struct CMCFG_EXPORT IncomingServiceSet : public HuntSet {
   IntercomData intercom;
 };
 
+// Every supplementary service of an extension or of one of its contacts.
 struct CMCFG_EXPORT SupServiceSet : public IncomingServiceSet {
   ClirData clir;
   CallBlockingData outgoingBlocking;
@@ -134,13 +156,20 @@ typedef std::pair<Contact, SupServiceSet> AddressBookEntry;
 
 // Call-queue settings of an extension.
 struct CMCFG_EXPORT CallQueueData {
+  // Queue disabled or of size 0: Reset. Otherwise the size (at most 255),
+  // the mode and the flags (accepting unless disabled, overflow), and the
+  // announcement value, text and repeat when an announcement is enabled
+  // with a text and a non-zero value; else announcement 0, the old text
+  // staying.
   CallQueueData& operator=(const ExtPersonalInfoParams& params);
   // Zeroes the settings and the flags; keeps the announcement text and the
   // value that goes with it.
   void Reset();
   // Clears the run-time value only.
   void Clear() { pending = 0; }
+  // Whether any bit of `mask` is set.
   bool IsFlagOn(unsigned char mask) const { return (flags & mask) != 0; }
+  // Sets (on) or clears the bits of `mask`.
   void UpdateFlag(unsigned char mask, bool on);
 
   static const unsigned char kAccepting = 1;

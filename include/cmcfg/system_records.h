@@ -19,23 +19,29 @@ struct ExtPersonalInfoParams;
 // change `cadence` only with `mutex` held.
 class CMCFG_EXPORT DefaultRingpattern {
  public:
+  // Creates the mutex (owned); the cadence stays empty until Init.
   DefaultRingpattern();
+  // Deletes the mutex.
   ~DefaultRingpattern();
   DefaultRingpattern(const DefaultRingpattern&) = delete;
   DefaultRingpattern& operator=(const DefaultRingpattern&) = delete;
 
-  // Takes the FXS ring cadence; fewer than two values give "1000,2500".
+  // Takes the FXS ring cadence, under the mutex; no FXS settings or fewer
+  // than two values give "1000,2500".
   void Init();
 
   std::vector<unsigned long> cadence;
   ThreadMutex* mutex;
 };
 
+// The process's default ring cadence; CMAgent::Init fills it.
 extern CMCFG_EXPORT DefaultRingpattern _gDefRingPattern;
 
-// An extension's password as key presses.
+// An extension's password as key presses. The records of this header are
+// plain values; the lists are owned by the record that holds them.
 struct CMCFG_EXPORT PasswordData {
-  // Digits become 0x100 + digit, "*" 0x12A; other characters are skipped.
+  // Takes the password policy as `setting`, and the password as keys:
+  // digits become 0x100 + digit, "*" 0x12A; other characters are skipped.
   PasswordData& operator=(const ExtPersonalInfoParams& params);
   std::vector<KeypadButton> keys;
   int32_t setting = 3;
@@ -58,6 +64,7 @@ struct CMCFG_EXPORT CDRData {
   uint32_t failedFiles = 10;
 };
 
+// An extension of the shared-extension list (guarded by LockShList).
 struct CMCFG_EXPORT SharedExtension {
   SharedExtension() = default;
   explicit SharedExtension(const std::string& name) : extension(name) {}
@@ -92,14 +99,15 @@ struct CMCFG_EXPORT AccessData : public AddrInfo {
   int32_t priority = 0;
 };
 
+// An extension's automatic call: when enabled, the destination dialled.
 struct CMCFG_EXPORT AutoCallData {
   int32_t enabled = 0;
   std::string destination;
 };
 
-// The system-wide data the call manager reads.
+// The system-wide data the call manager reads, filled by the agent's load.
 struct CMCFG_EXPORT GeneralData {
-  Attendant* sysAttendant = nullptr;
+  Attendant* sysAttendant = nullptr;  // owned by the agent, not by this record
   std::string systemPrefix;
   std::list<CodecInfo> defaultVoiceCodecs;
   std::string externalUserCacheDb;

@@ -86,8 +86,11 @@ extern CMCFG_EXPORT const char* const DeviceToneNames[kDeviceToneCount];
 class CMCFG_EXPORT ToneType {
  public:
   ToneType() = default;
+  // The pattern, mode, first frequency and level; the second frequency and
+  // level zero, played from the sound file.
   ToneType(const std::string& pattern, uint32_t mode, uint16_t frequency1, int32_t level1);
   ToneType(const ToneType&) = default;
+  // Copies every field.
   ToneType& operator=(const ToneType& other);
 
   // Durations in ms, on and off alternately ("400,400"); in mode 1 also

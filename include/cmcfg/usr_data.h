@@ -18,7 +18,8 @@ class CMCFG_EXPORT UsrSipData {
   ~UsrSipData() = default;
 
   // Fills the record from the extension's SIP block: the eleven texts in
-  // the block's order, except that the first two trade places.
+  // the block's order, except that the first two trade places (the block
+  // keeps the authentication name first); enabled becomes 1.
   void Init(const ExtSipSettingsParams& block);
 
   std::string userName;    // SIP user name
@@ -39,18 +40,22 @@ class CMCFG_EXPORT UsrSipData {
 };
 
 // A user: the extension number and its SIP data, with a backup of the SIP
-// data taken before the first substitution.
+// data taken before the first substitution. Copies are deep: each record
+// owns a backup of its own.
 class CMCFG_EXPORT UsrData {
  public:
   UsrData() = default;
   UsrData(const UsrData& other);
   UsrData& operator=(const UsrData& other);
+  // Deletes the backup.
   ~UsrData();
 
-  // Replaces the SIP user and credential, keeping the values from before the
-  // first substitution for RollbackSipData. 0 when they were already those.
+  // Replaces the SIP user name and password, keeping the SIP data from
+  // before the first substitution for RollbackSipData. 1 when replaced; 0
+  // (nothing touched) when they already were those.
   int SubstituteSipData(const std::string& user, const std::string& credential);
-  // Restores the SIP data from before the first substitution; 0 when none.
+  // Restores the SIP data from before the first substitution and drops the
+  // backup; 1, or 0 (nothing touched) when there is none.
   int RollbackSipData();
 
   std::string name;         // the extension number: the record's key

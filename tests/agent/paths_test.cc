@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <ctime>
 #include <set>
+#include <string>
 
 #include "agent/net_interfaces.h"
 #include "cmcfg/cm_agent.h"
@@ -90,18 +92,27 @@ TEST_F(AgentPathsTest, UniqueStringsDifferAndPutSecondsHigh) {
   EXPECT_GT(appended.size(), 4u);
 }
 
+// The digits GenerateUniqueString appends: seconds in the high word.
+void ExpectTimeDigits(const std::string& digits) {
+  ASSERT_FALSE(digits.empty());
+  ASSERT_EQ(std::string::npos, digits.find_first_not_of("0123456789")) << digits;
+  EXPECT_NEAR(static_cast<double>(std::stoull(digits) >> 32), static_cast<double>(time(nullptr)),
+              5.0);
+}
+
 TEST_F(AgentPathsTest, FillUserNameUsesPrefixOrDefaultStem) {
+  root_.Write("telephony/general.cfg", "section system\n{\nsystem_prefix = pbx-\n}\n");
   CMAgent agent;
-  agent.generalData.systemPrefix = "pbx";
   std::string user = "101";
   agent.FillUserName(user);
-  EXPECT_EQ(0u, user.find("pbx101"));
-  EXPECT_GT(user.size(), 6u);
+  ASSERT_EQ("pbx-101", user.substr(0, 7));
+  ExpectTimeDigits(user.substr(7));
 
+  // No name: the fixed stem, followed by the system prefix the load added.
   std::string none;
   agent.FillUserName(none);
-  EXPECT_EQ(0u, none.find(agent.defaultUserName));
-  EXPECT_EQ(0u, agent.defaultUserName.find("kaIfArIkNiCk"));
+  ASSERT_EQ("kaIfArIkNiCkpbx-", none.substr(0, 16));
+  ExpectTimeDigits(none.substr(16));
 }
 
 TEST_F(AgentPathsTest, RuntimeNamesDefaultAndAreWrittenBack) {

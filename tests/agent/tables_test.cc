@@ -44,13 +44,6 @@ TEST_F(TablesTest, EraseWithoutDeleteHandsTheRecordBack) {
   delete record;
 }
 
-TEST_F(TablesTest, IncreaseBaseAddsOneEmptySlot) {
-  CMAgent& agent = Start();
-  agent.IncreaseBase();
-  ASSERT_EQ(65u, agent.extensionBase.size());
-  EXPECT_EQ(nullptr, agent.extensionBase.back());
-}
-
 TEST_F(TablesTest, EraseAttendantDeletesAndCloses) {
   CMAgent& agent = Start();
   agent.attendants.push_back(new Attendant);

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <list>
+#include <string>
+
 #include "cmcfg/system_records.h"
 
 namespace {
@@ -13,14 +16,15 @@ class CallerIdTest : public ::testing::Test {
     caller_.host = "pbx.example";
   }
 
-  // The text for a template of the call type, or "<invalid>".
+  // The text for a template of the call type, appended to "["; a refused
+  // template gives "<invalid>" and what the result string then holds.
   std::string Text(CallerIDManager::CallType type, const std::string& pattern) {
     GeneralData data;
     (type == CallerIDManager::kLocal ? data.callerIdLocal
      : type == CallerIDManager::kIp  ? data.callerIdIp
                                      : data.callerIdPstn) = pattern;
     std::string result = "[";
-    if (!manager_.Parse(type, caller_, data, &result)) return "<invalid>";
+    if (!manager_.Parse(type, caller_, data, &result)) return "<invalid>" + result;
     return result;
   }
 
@@ -40,18 +44,29 @@ TEST_F(CallerIdTest, AddressFallsBackOnlyForA) {
 
 TEST_F(CallerIdTest, HostOnlyForIpCalls) {
   EXPECT_EQ("[101 at pbx.example", Text(CallerIDManager::kIp, "%u at %h"));
-  EXPECT_EQ("<invalid>", Text(CallerIDManager::kLocal, "%h"));
-  EXPECT_EQ("<invalid>", Text(CallerIDManager::kPstn, "%u@%h"));
+  EXPECT_EQ("<invalid>[", Text(CallerIDManager::kLocal, "%h"));
+  EXPECT_EQ("<invalid>[", Text(CallerIDManager::kPstn, "%u@%h"));
 }
 
+// A refused template appends nothing, not even the text before the fault.
 TEST_F(CallerIdTest, BadTemplatesLeaveResultUntouched) {
-  EXPECT_EQ("<invalid>", Text(CallerIDManager::kLocal, "100%"));
-  EXPECT_EQ("<invalid>", Text(CallerIDManager::kLocal, "%x"));
-  EXPECT_EQ("<invalid>", Text(CallerIDManager::kLocal, "%%"));
+  EXPECT_EQ("<invalid>[", Text(CallerIDManager::kLocal, "100%"));
+  EXPECT_EQ("<invalid>[", Text(CallerIDManager::kLocal, "%u%x"));
+  EXPECT_EQ("<invalid>[", Text(CallerIDManager::kLocal, "%%"));
+  EXPECT_EQ("<invalid>[", Text(CallerIDManager::kIp, "call %u %"));
   EXPECT_EQ("[", Text(CallerIDManager::kLocal, ""));
 
   GeneralData data;
+  data.callerIdLocal = "%u";
   EXPECT_FALSE(manager_.Parse(CallerIDManager::kLocal, caller_, data, nullptr));
+}
+
+TEST_F(CallerIdTest, CheckStopsAtTheFirstBadPlaceholder) {
+  std::list<std::string> tokens = {"stale"};
+  EXPECT_FALSE(manager_.Check(CallerIDManager::kPstn, "a%ub%hc%d", tokens));
+  EXPECT_EQ((std::list<std::string>{"a", "%u", "b"}), tokens);
+  EXPECT_FALSE(manager_.Check(CallerIDManager::kIp, "x%", tokens));
+  EXPECT_EQ((std::list<std::string>{"x"}), tokens);
 }
 
 TEST_F(CallerIdTest, CheckSplitsLiteralsAndPlaceholders) {

@@ -14,9 +14,7 @@ TEST(LineSettingsTest, ClearUnbindsOnlyTheLocalPort) {
   LineSettings line;
   EXPECT_EQ(INACTIVE_PARTY, line.lineId);
   EXPECT_EQ(INACTIVE_PARTY, line.gatewayId);
-  EXPECT_EQ(0u, line.presentationId);
   EXPECT_EQ(1, line.lineFlag);
-  EXPECT_EQ(5, line.disconnect.values[3]);
   EXPECT_EQ(INACTIVE_PARTY, line.remote.lineId);
 
   line.lineId = 3;
@@ -105,10 +103,6 @@ TEST(PasswordDataTest, DigitsAndStarBecomeKeys) {
   password = params;
   EXPECT_EQ((std::vector<KeypadButton>{257, 258, 298, 265}), password.keys);
   EXPECT_EQ(1, password.setting);
-
-  AuthorizedPhonesData phone;
-  EXPECT_EQ(2, phone.phoneType);
-  EXPECT_EQ(2, phone.lineCount);
 }
 
 }  // namespace
