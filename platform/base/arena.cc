@@ -19,6 +19,19 @@ const size_t kHugePage = size_t{2} << 20;
 Arena::Arena(size_t expected, Memory memory)
     : next_chunk_size_(std::max(expected, kSmallChunk)), memory_(memory) {}
 
+std::unique_ptr<Arena> Arena::ForDocument(size_t expected, size_t text_bytes) {
+  return std::unique_ptr<Arena>(
+      new Arena(expected, text_bytes < kSmallText ? Memory::kHeapOnly : Memory::kMapLarge));
+}
+
+std::unique_ptr<Arena> Arena::ForTables(size_t text_bytes) {
+  return ForDocument(text_bytes * 3 / 2 + 256, text_bytes);
+}
+
+std::unique_ptr<Arena> Arena::ForText(size_t text_bytes) {
+  return ForDocument(text_bytes + text_bytes * 3 / 2 + 256, text_bytes);
+}
+
 Arena::~Arena() {
   for (const Chunk& c : chunks_) {
     if (c.mapped) {

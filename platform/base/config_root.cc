@@ -2,6 +2,7 @@
 
 #include <limits.h>
 #include <stdlib.h>
+#include <unistd.h>
 
 #include <cstdlib>
 
@@ -26,6 +27,40 @@ std::string Resolved(const std::string& path) {
   return realpath(path.c_str(), buffer) != nullptr ? std::string(buffer) : std::string();
 }
 
+// `resolved` and `root` are resolved paths (no trailing "/" but for "/").
+bool Within(const std::string& resolved, const std::string& root) {
+  if (root == "/") return !resolved.empty() && resolved[0] == '/';
+  return resolved.size() > root.size() && resolved.compare(0, root.size(), root) == 0 &&
+         resolved[root.size()] == '/';
+}
+
+// True for an absolute path without "//", "." or ".." components and
+// without a trailing "/": such a path that prefixes a resolved path is
+// itself resolved, so no realpath is needed to compare with it.
+bool LooksResolved(const std::string& path) {
+  if (path.empty() || path[0] != '/') return false;
+  if (path == "/") return true;
+  if (path.back() == '/') return false;
+  for (size_t start = 1; start <= path.size();) {
+    size_t end = path.find('/', start);
+    if (end == std::string::npos) end = path.size();
+    const std::string_view part(path.data() + start, end - start);
+    if (part.empty() || part == "." || part == "..") return false;
+    start = end + 1;
+  }
+  return true;
+}
+
+// What `fd` has open, as the kernel names it; "" when it cannot tell.
+std::string OpenedPath(int fd) {
+  char link[64];
+  snprintf(link, sizeof(link), "/proc/self/fd/%d", fd);
+  char buffer[PATH_MAX];
+  ssize_t n = readlink(link, buffer, sizeof(buffer));
+  if (n <= 0 || static_cast<size_t>(n) >= sizeof(buffer) || buffer[0] != '/') return std::string();
+  return std::string(buffer, static_cast<size_t>(n));
+}
+
 }  // namespace
 
 bool IsInsideRoot(const std::string& path) {
@@ -42,9 +77,35 @@ bool IsInsideRoot(const std::string& path) {
     if (folder.empty()) return false;
     resolved = folder + "/" + name;
   }
-  if (root == "/") return true;
-  return resolved.size() > root.size() && resolved.compare(0, root.size(), root) == 0 &&
-         resolved[root.size()] == '/';
+  return Within(resolved, root);
+}
+
+bool IsUnderRootName(const std::string& path) {
+  const std::string root = ConfigRoot();
+  if (root.empty() || path.size() <= root.size() || path.compare(0, root.size(), root) != 0)
+    return false;
+  return root.back() == '/' || (path[root.size()] == '/' && path.size() > root.size() + 1);
+}
+
+bool OpenedInsideRoot(int fd, const std::string& path) {
+  std::string opened = OpenedPath(fd);
+  if (opened.empty()) opened = Resolved(path);  // no /proc: resolve the name instead
+  if (opened.empty()) return false;
+  std::string root = ConfigRoot();
+  while (root.size() > 1 && root.back() == '/') root.pop_back();
+  if (LooksResolved(root) && Within(opened, root)) return true;
+  // The root itself may be reached through a link (or given relative).
+  const std::string resolved_root = Resolved(root);
+  return !resolved_root.empty() && Within(opened, resolved_root);
+}
+
+bool IsPlainFileName(std::string_view name) {
+  if (name.empty() || name == "." || name == "..") return false;
+  for (char c : name) {
+    const unsigned char u = static_cast<unsigned char>(c);
+    if (c == '/' || u < 0x20 || u == 0x7F) return false;
+  }
+  return true;
 }
 
 }  // namespace cfg

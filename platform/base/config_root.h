@@ -2,6 +2,7 @@
 #define CMCFG_PLATFORM_BASE_CONFIG_ROOT_H_
 
 #include <string>
+#include <string_view>
 
 namespace cfg {
 
@@ -18,6 +19,26 @@ std::string TelephonyPath(const std::string& name);
 // confined to the root: a path named in a settings file must not let the
 // agent change files elsewhere. False when the root does not exist.
 bool IsInsideRoot(const std::string& path);
+
+// True when `path` names something in the configuration root as written:
+// it is ConfigRoot() followed by at least one more character, after a "/"
+// (the root's own or the next one). Nothing is resolved; the store holds
+// such paths to the containment rule of OpenedInsideRoot.
+bool IsUnderRootName(const std::string& path);
+
+// True when the file open on `fd`, opened by the name `path`, lies inside
+// the configuration root with every symbolic link (of the file and of the
+// folders on its way) and ".." resolved: what was opened, not what the name
+// resolves to a moment later. False when the root or the file cannot be
+// resolved. Costs one readlink in the usual case (a root given without
+// links or dots); a root reached through a link is resolved on each call.
+bool OpenedInsideRoot(int fd, const std::string& path);
+
+// True when `name` can stand for exactly one file in a folder of the root:
+// not empty, not "." or "..", no "/" and no control character (NUL
+// included). A name that passes cannot leave the folder it is joined to
+// (a symbolic link can, which OpenedInsideRoot catches on reading).
+bool IsPlainFileName(std::string_view name);
 
 }  // namespace cfg
 

@@ -105,10 +105,7 @@ std::string Diagnostic::Format(std::string_view file) const {
   return out;
 }
 
-Document::Document()
-    : buffer_(new std::string()),
-      memory_(new Arena()),
-      sections_(ArenaAllocator<Section>(memory_.get())) {}
+Document::Document() = default;
 Document::~Document() = default;
 Document::Document(Document&&) noexcept = default;
 Document& Document::operator=(Document&& other) noexcept {
@@ -128,9 +125,9 @@ Document& Document::operator=(Document&& other) noexcept {
 
 Document Document::Parse(std::string text, const Syntax& syntax) {
   Document doc;
-  doc.memory_.reset(new Arena(text.size() + text.size() / 2));
+  doc.memory_ = Arena::ForTables(text.size());
   doc.sections_ = SectionList(ArenaAllocator<Section>(doc.memory_.get()));
-  *doc.buffer_ = std::move(text);
+  doc.buffer_.reset(new std::string(std::move(text)));
   doc.text_ = *doc.buffer_;
   Parser(&doc, syntax).Run();
   return doc;

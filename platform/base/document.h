@@ -3,7 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
+#include <list>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -65,6 +65,7 @@ struct SectionVerbatim {
 
 struct Section {
   Section() = default;
+  // Entries in `arena` (owned by the document), or on the heap when null.
   explicit Section(Arena* arena) : entries(ArenaAllocator<Entry>(arena)) {}
 
   std::string_view name;
@@ -179,12 +180,16 @@ class Document {
   const std::vector<Diagnostic>& diagnostics() const { return diagnostics_; }
 
  private:
-  std::unique_ptr<std::string> buffer_;  // parsed text, unless it lives in memory_
-  std::string_view text_;                // the parsed text, wherever it lives
-  std::deque<std::string> arena_;        // decoded or later-set texts
-  std::unique_ptr<Arena> memory_;        // the tables below; declared first, freed last
+  // Storage, one place per kind of thing. A default Document allocates
+  // nothing: a file's load makes and moves several before one is kept.
+  // (Lists rather than deques: an empty one allocates nothing, moving one
+  // allocates nothing, and elements never move, which the views need.)
+  std::unique_ptr<std::string> buffer_;  // the text given to Parse(std::string)
+  std::string_view text_;                // the parsed text: in buffer_ or in memory_
+  std::list<std::string> arena_;         // interned texts: decoded values, Intern
+  std::unique_ptr<Arena> memory_;        // the tables; declared before them, freed after
   SectionList sections_;
-  std::deque<SectionVerbatim> verbatim_;  // what sections point to; rarely any
+  std::list<SectionVerbatim> verbatim_;  // what sections point to; rarely any
   VerbatimLines verbatim_after_;
   std::vector<Diagnostic> diagnostics_;
   Section scratch_;                      // what Add returns for a refused name

@@ -8,8 +8,12 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstdint>
 #include <cstring>
 #include <random>
+#include <string>
+
+#include "platform/base/config_root.h"
 
 namespace cfg {
 
@@ -35,6 +39,12 @@ void SyncDir(const std::string& dir) {
   close(fd);
 }
 
+// The file grew past the bound after it was opened.
+Status TooLargeWhileRead(const std::string& path) {
+  return Status::IOError(path + " grew past the bound of " + std::to_string(kMaxConfigFileBytes) +
+                         " bytes (64 MiB) for one configuration file while it was read; not read");
+}
+
 Status ReadAll(int fd, const std::string& path, size_t size_hint, std::string* contents) {
   std::string data;
   data.resize(size_hint + 1);  // one more byte to see the end without a second read
@@ -47,6 +57,7 @@ Status ReadAll(int fd, const std::string& path, size_t size_hint, std::string* c
     if (n < 0) return ErrnoStatus("cannot read " + path, errno);
     if (n == 0) break;
     used += static_cast<size_t>(n);
+    if (used > kMaxConfigFileBytes) return TooLargeWhileRead(path);
     // A regular file reads short only at its end.
     if (static_cast<size_t>(n) < wanted && used == size_hint) break;
   }
@@ -95,17 +106,36 @@ long TempFileWriter(const std::string& path, const std::string& name) {
 
 namespace {
 
-// Opens a regular file for reading; its size goes to *size.
+// What stands at a path where a configuration file should be, for messages.
+const char* KindName(mode_t mode) {
+  if (S_ISDIR(mode)) return "a directory";
+  if (S_ISFIFO(mode)) return "a FIFO";
+  if (S_ISCHR(mode) || S_ISBLK(mode)) return "a device";
+  if (S_ISSOCK(mode)) return "a socket";
+  return "something other than a regular file";
+}
+
+// Opens a regular file of at most kMaxConfigFileBytes for reading, inside
+// the configuration root when its name is; its size goes to *size.
 Status OpenRegular(const std::string& path, int* fd, size_t* size) {
-  // O_NONBLOCK: a FIFO where a file should be must not hang the reader.
-  *fd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+  // O_NONBLOCK: a FIFO where a file should be must not hang the reader;
+  // O_NOCTTY: a terminal linked in must not become ours. Both are checked
+  // away below before anything is read.
+  *fd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
   if (*fd < 0) return ErrnoStatus("cannot open " + path, errno);
   struct stat st = {};
   Status s;
   if (fstat(*fd, &st) != 0) {
     s = ErrnoStatus("cannot stat " + path, errno);
   } else if (!S_ISREG(st.st_mode)) {
-    s = Status::IOError(path + (S_ISDIR(st.st_mode) ? " is a directory" : " is not a regular file"));
+    s = Status::IOError(path + " is " + KindName(st.st_mode) + ", not a configuration file");
+  } else if (static_cast<uint64_t>(st.st_size) > kMaxConfigFileBytes) {
+    s = Status::IOError(path + " has " + std::to_string(st.st_size) +
+                        " bytes, more than the bound of " + std::to_string(kMaxConfigFileBytes) +
+                        " bytes (64 MiB) for one configuration file; not read");
+  } else if (IsUnderRootName(path) && !OpenedInsideRoot(*fd, path)) {
+    s = Status::IOError(path + " leads outside the configuration root " + ConfigRoot() +
+                        " through a symbolic link; not read");
   }
   if (!s.ok()) {
     close(*fd);
@@ -165,6 +195,12 @@ Status PosixFileSystem::WriteFileAtomic(const std::string& path, std::string_vie
 
 Status PosixFileSystem::WriteFileAtomicVia(const std::string& path, const std::string& temp,
                                            std::string_view contents) {
+  // The rule of reads holds for writes: a folder or link on the way that
+  // leads out of the root is not followed. (A missing folder fails below,
+  // as it always did.)
+  if (IsUnderRootName(path) && DirExists(DirName(path)) && !IsInsideRoot(path))
+    return Status::IOError(path + " leads outside the configuration root " + ConfigRoot() +
+                           " through a symbolic link; not written");
   // Keep the permission bits of the file being replaced.
   struct stat st;
   int mode = stat(path.c_str(), &st) == 0 ? static_cast<int>(st.st_mode & 07777) : -1;

@@ -1,6 +1,7 @@
 #ifndef CMCFG_PLATFORM_BASE_POSIX_FILE_SYSTEM_H_
 #define CMCFG_PLATFORM_BASE_POSIX_FILE_SYSTEM_H_
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -10,20 +11,35 @@
 
 namespace cfg {
 
+// The largest configuration file the store reads: 64 MiB, far beyond any
+// real one (a few KB; a database of 100,000 users is a few MB). A larger
+// file is refused before anything of it is read, so a stray or sparse file
+// cannot take the memory of the whole file and of its index.
+constexpr size_t kMaxConfigFileBytes = size_t{64} << 20;
+
 // The real file system. The steps of an atomic write that can fail on a
 // full disk or a broken medium are virtual, so a test can derive from this
 // class and make one of them fail while the rest stays real.
 class PosixFileSystem : public FileSystem {
  public:
+  // Reads only regular files: a directory, FIFO, device or socket (also
+  // reached through a symbolic link), a link loop, and a file larger than
+  // kMaxConfigFileBytes are an IOError whose message names the path and
+  // the reason; a FIFO never blocks the call. A path under the
+  // configuration root (IsUnderRootName) is read only when the file opened
+  // lies inside the root (OpenedInsideRoot): a symbolic link out of the
+  // root is an IOError, and nothing outside is read.
   Status ReadFile(const std::string& path, std::string* contents) override;
   // A file below Arena::kSmallText costs open, fstat, one read and close:
   // the read asks for one byte more than the size, and coming back short it
   // has reached the end (a second read happens only when the file changed
   // size meanwhile). Its arena is heap-only. Larger files get an arena with
-  // mapped chunks.
+  // mapped chunks. Refuses what ReadFile refuses.
   Status ReadFileToArena(const std::string& path, std::unique_ptr<Arena>* arena,
                          std::string_view* contents) override;
-  // Through a temporary file named by TempPathFor.
+  // Through a temporary file named by TempPathFor. A path under the
+  // configuration root that resolves outside it (IsInsideRoot) is an
+  // IOError and nothing is written.
   Status WriteFileAtomic(const std::string& path, std::string_view contents) override;
   Status WriteFileAtomicVia(const std::string& path, const std::string& temp,
                             std::string_view contents) override;
