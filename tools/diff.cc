@@ -193,10 +193,11 @@ int RunDiff(const DiffOptions& options, std::ostream& out, std::ostream& err) {
   if (!RootIsUsable(rootA, err) || !RootIsUsable(rootB, err)) return 2;
   ordered_json dumps[2];
   const std::string roots[2] = {rootA, rootB};
+  // One log for both loads, and out of both roots when run inside either.
+  const std::string logDir = InspectionLogDir(rootA, InspectionLogDir(rootB, options.logDir));
   for (int i = 0; i < 2; ++i) {
     // One agent at a time: each load points ORBA_PATH at its own root.
-    LoadProgress progress(roots[i], err);
-    AgentSession session(roots[i], options.logDir);
+    AgentSession session(roots[i], logDir, Access::kInspect, &err);
     dumps[i] = DumpJson(session.agent());
     StabiliseDump(&dumps[i], roots[i]);
   }

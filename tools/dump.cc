@@ -236,8 +236,7 @@ int RunDump(const DumpOptions& options, std::ostream& out, std::ostream& err) {
   if (!RootIsUsable(root, err)) return 2;
   ordered_json doc;
   {
-    LoadProgress progress(root, err);
-    AgentSession session(root, options.logDir);
+    AgentSession session(root, options.logDir, Access::kInspect, &err);
     doc = DumpJson(session.agent());
   }
   out << JsonText(doc);

@@ -495,7 +495,7 @@ json AttendantJson(const Attendant& a, bool systemAttendant) {
 int RunExt(const ExtOptions& options, std::ostream& out, std::ostream& err) {
   const std::string root = ResolveRoot(options.root);
   if (!RootIsUsable(root, err)) return 2;
-  AgentSession session(root, options.logDir);
+  AgentSession session(root, options.logDir, Access::kInspect, &err);
   const FoundRecord found = FindRecord(session.agent(), options.name);
   if (found.extension == nullptr && found.attendant == nullptr) {
     err << "cmcfg: no extension or attendant named \"" << options.name << "\" under " << root

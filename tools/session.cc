@@ -47,8 +47,39 @@ ScopedEnv::~ScopedEnv() {
     unsetenv(name_);
 }
 
-AgentSession::AgentSession(const std::string& root, const std::string& logDir)
-    : root_("ORBA_PATH", root), logDir_("CMCFG_LOG_DIR", logDir) {
+bool IsInside(const std::string& dir, const std::string& root) {
+  char* resolvedDir = realpath(dir.c_str(), nullptr);
+  char* resolvedRoot = realpath(root.c_str(), nullptr);
+  bool inside = false;
+  if (resolvedDir != nullptr && resolvedRoot != nullptr) {
+    const std::string d = resolvedDir, r = resolvedRoot;
+    inside = r == "/" || d == r || d.compare(0, r.size() + 1, r + "/") == 0;
+  }
+  free(resolvedDir);
+  free(resolvedRoot);
+  return inside;
+}
+
+std::string InspectionLogDir(const std::string& root, const std::string& logDir) {
+  if (!logDir.empty()) return logDir;  // asked for: the user's choice
+  const char* envDir = getenv("CMCFG_LOG_DIR");
+  if (envDir != nullptr && *envDir != '\0') return "";
+  if (!IsInside(".", root)) return "";
+  // Looking must not leave a log in what is looked at.
+  const char* tmp = getenv("TMPDIR");
+  std::string dir = tmp != nullptr && *tmp != '\0' ? tmp : "/tmp";
+  if (dir.back() != '/') dir += '/';
+  return dir;
+}
+
+AgentSession::AgentSession(const std::string& root, const std::string& logDir, Access access,
+                           std::ostream* progressTo)
+    : readOnly_(access == Access::kInspect ? std::make_unique<cfg::ReadOnlyScope>() : nullptr),
+      root_("ORBA_PATH", root),
+      logDir_("CMCFG_LOG_DIR",
+              access == Access::kInspect ? InspectionLogDir(root, logDir) : logDir),
+      progress_(progressTo ? LoadProgressOnTerminal(root, *progressTo) : nullptr) {
+  progress_.reset();
   // The call manager drops the load-time managers at once; so do we, so
   // that what we print is what it would hold.
   agent_.Destroy();

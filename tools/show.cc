@@ -203,7 +203,7 @@ nlohmann::json SummaryJson(const CMAgent& agent) {
 int RunShow(const ShowOptions& options, std::ostream& out, std::ostream& err) {
   const std::string root = ResolveRoot(options.root);
   if (!RootIsUsable(root, err)) return 2;
-  AgentSession session(root, options.logDir);
+  AgentSession session(root, options.logDir, Access::kInspect, &err);
   if (options.json) {
     out << JsonText(SummaryJson(session.agent()));
   } else {

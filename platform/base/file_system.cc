@@ -14,6 +14,7 @@
 #include <thread>
 #include <utility>
 
+#include "platform/base/config_root.h"
 #include "platform/base/posix_file_system.h"
 
 namespace cfg {
@@ -35,11 +36,71 @@ bool FileInfo::SameVersion(const FileInfo& other) const {
 
 FileSystem::~FileSystem() = default;
 
-FileSystem* FileSystem::Default() {
+namespace {
+
+std::atomic<bool> read_only{false};
+
+// The file system that writes: the real one unless a test replaced it.
+FileSystem* Writable() {
   static PosixFileSystem* posix = new PosixFileSystem();  // never destroyed: used at exit
   FileSystem* fs = Installed();
   return fs != nullptr ? fs : posix;
 }
+
+Status Refused(const std::string& path) {
+  return Status::IOError("read-only mode: " + path + " is not changed");
+}
+
+// What Default() gives in read-only mode: the reads of the writable file
+// system, and writes that fail before they touch anything.
+class ReadOnlyView : public FileSystem {
+ public:
+  Status ReadFile(const std::string& path, std::string* contents) override {
+    return Writable()->ReadFile(path, contents);
+  }
+  Status ReadFileToArena(const std::string& path, std::unique_ptr<Arena>* arena,
+                         std::string_view* contents) override {
+    return Writable()->ReadFileToArena(path, arena, contents);
+  }
+  Status WriteFileAtomic(const std::string& path, std::string_view) override {
+    return Refused(path);
+  }
+  Status WriteFileAtomicVia(const std::string& path, const std::string&,
+                            std::string_view) override {
+    return Refused(path);
+  }
+  bool FileExists(const std::string& path) override { return Writable()->FileExists(path); }
+  bool DirExists(const std::string& path) override { return Writable()->DirExists(path); }
+  Status Stat(const std::string& path, FileInfo* info) override {
+    return Writable()->Stat(path, info);
+  }
+  Status CreateDirs(const std::string& path) override { return Refused(path); }
+  Status ListDir(const std::string& path, std::vector<std::string>* names) override {
+    return Writable()->ListDir(path, names);
+  }
+  Status ListDirEntries(const std::string& path, std::vector<DirEntry>* entries) override {
+    return Writable()->ListDirEntries(path, entries);
+  }
+  Status RemoveFile(const std::string& path) override { return Refused(path); }
+};
+
+}  // namespace
+
+FileSystem* FileSystem::Default() {
+  if (read_only.load(std::memory_order_acquire)) {
+    static ReadOnlyView* view = new ReadOnlyView();  // never destroyed, as the real one
+    return view;
+  }
+  return Writable();
+}
+
+void SetReadOnly(bool on) { read_only.store(on, std::memory_order_release); }
+
+bool IsReadOnly() { return read_only.load(std::memory_order_acquire); }
+
+ReadOnlyScope::ReadOnlyScope() : previous_(read_only.exchange(true)) {}
+
+ReadOnlyScope::~ReadOnlyScope() { read_only.store(previous_); }
 
 void FileSystem::SetDefaultForTesting(FileSystem* fs) { Installed() = fs; }
 
@@ -109,7 +170,19 @@ FileLock::FileLock(const std::string& path, std::chrono::milliseconds timeout) :
     status_ = Status::InvalidArgument("no file to lock");
     return;
   }
+  if (IsReadOnly()) {  // nothing will be written: no lock file, no temporaries to clear
+    nominal_ = true;
+    return;
+  }
   const std::string lock_path = path + ".lock";
+  // A folder linked out of the root would have the lock file created
+  // elsewhere; the save it guards is refused there anyway.
+  const std::string folder = path.substr(0, path.find_last_of('/') + 1);
+  if (IsUnderRootName(path) && FileSystem::Default()->DirExists(folder.empty() ? "." : folder) &&
+      !IsInsideRoot(lock_path)) {
+    status_ = Status::IOError("not locked: " + lock_path + " leads outside the configuration root");
+    return;
+  }
   int fd = open(lock_path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
   if (fd < 0) {
     status_ = Status::IOError("cannot open " + lock_path + ": " + std::strerror(errno));
@@ -316,6 +389,7 @@ Status LoadDocument(const std::string& path, Document* doc, const Syntax& syntax
 }
 
 Status SaveDocument(const std::string& path, const Document& doc, const Syntax& syntax) {
+  if (IsReadOnly()) return Status::OK();
   Status s = LockedSave::Write(path, doc.Serialize(syntax));
   if (!s.ok()) ReportFailure(path, s);
   return s;
@@ -325,12 +399,15 @@ namespace {
 
 Status UpdateUnderLock(const std::string& path, const std::function<bool(Document&)>& change,
                        const Syntax& syntax) {
+  const bool readOnly = IsReadOnly();
   FileLock lock(path);
   if (!lock.locked()) return lock.status();
   Document doc;
   Status s = LoadDocument(path, &doc, syntax);
   if (!s.ok() && !s.IsNotFound()) return s;
-  if (!change || !change(doc)) return Status::OK();
+  // In read-only mode the change still runs: its caller computes from it
+  // what it would hold after the save.
+  if (!change || !change(doc) || readOnly) return Status::OK();
   return LockedSave::Write(path, doc.Serialize(syntax));
 }
 

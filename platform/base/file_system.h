@@ -98,6 +98,32 @@ class FileSystem {
   virtual Status RemoveFile(const std::string& path) = 0;
 };
 
+// Read-only mode, for programs that only inspect a root (off by default,
+// so the call manager writes as it always did). While it is on, nothing in
+// the store creates, renames or removes a file: SaveDocument and
+// UpdateDocument compute what they would write, write nothing and return
+// OK, so the operations built on them go on as if they had saved; a
+// FileLock takes no lock and creates no ".lock" file; the writes of
+// FileSystem::Default() (WriteFileAtomic, WriteFileAtomicVia, CreateDirs,
+// RemoveFile) fail with IOError "read-only mode: ..." without touching the
+// disk. Reads are unchanged. Process-wide and thread-safe; takes effect for
+// calls that start afterwards.
+void SetReadOnly(bool on);
+bool IsReadOnly();
+
+// Turns read-only mode on for its lifetime and puts the previous state back
+// afterwards, so scopes nest.
+class ReadOnlyScope {
+ public:
+  ReadOnlyScope();
+  ~ReadOnlyScope();
+  ReadOnlyScope(const ReadOnlyScope&) = delete;
+  ReadOnlyScope& operator=(const ReadOnlyScope&) = delete;
+
+ private:
+  bool previous_;
+};
+
 // How long a FileLock waits for a lock another writer holds, unless told
 // otherwise: long enough for any sane save, short enough that a call-manager
 // thread is not held up for good by a stuck writer.
@@ -136,8 +162,9 @@ class FileLock {
   FileLock& operator=(const FileLock&) = delete;
 
   // False when the lock was not had; the caller then goes on unguarded only
-  // if it does not write.
-  bool locked() const { return fd_ >= 0; }
+  // if it does not write. A lock made in read-only mode holds nothing and
+  // counts as had while the mode lasts (nothing can be written meanwhile).
+  bool locked() const { return fd_ >= 0 || (nominal_ && IsReadOnly()); }
   // Why it was not had: TimedOut when another writer held it past the
   // timeout; IOError when the lock file cannot be opened (a read-only or
   // missing folder) or locked; InvalidArgument for an empty path. OK when
@@ -151,6 +178,7 @@ class FileLock {
 
   std::string path_;
   int fd_ = -1;
+  bool nominal_ = false;  // made in read-only mode: no file, no lock
   Status status_;
   std::vector<std::string> kept_;  // noted temporaries of live pids, kept noted
 };
@@ -177,13 +205,16 @@ Status LoadDocument(const std::string& path, Document* doc, const Syntax& syntax
 // thread holds the FileLock of `path`, the temporary file is noted in it (see
 // FileLock), so a crash mid-way leaves nothing behind for long. A failure is
 // also reported through the StoreReporter.
+// In read-only mode it writes nothing and returns OK.
 Status SaveDocument(const std::string& path, const Document& doc, const Syntax& syntax = Syntax());
 
 // Read-modify-write under FileLock (waiting at most LockTimeout()): loads
 // the file (a missing file is an empty document), calls `change`, and saves
 // when it returns true. A lock not had in time gives TimedOut and nothing is
 // written. Every failure (lock, read, save) is also reported once through
-// the StoreReporter, after the lock is released.
+// the StoreReporter, after the lock is released. In read-only mode it takes
+// no lock, loads and calls `change` all the same, writes nothing and returns
+// OK (a read error other than a missing file is still returned).
 Status UpdateDocument(const std::string& path, const std::function<bool(Document&)>& change,
                       const Syntax& syntax = Syntax());
 

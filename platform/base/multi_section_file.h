@@ -58,7 +58,9 @@ class MultiSectionFile {
 
   // Writes the file atomically; `sync` flushes it to disk before the rename.
   // False when the file was not opened for update or the write failed (the
-  // old file then stays as it was).
+  // old file then stays as it was). In the store's read-only mode (cfg::SetReadOnly) a
+  // file opened for update takes no lock and Save writes nothing and returns
+  // true, so the caller goes on with the sections as changed in memory.
   bool Save(bool sync);
 
   const cfg::Document& document() const;

@@ -1,0 +1,90 @@
+#include "tools/progress.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <iostream>
+#include <utility>
+
+#include "tools/dump.h"
+
+namespace cmcfg_tool {
+
+namespace {
+
+constexpr char kErase[] = "\r\033[K";
+
+// A load that ends sooner is not worth a line that flickers.
+constexpr std::chrono::milliseconds kLoadDelay{500};
+
+void WriteToStderr(const std::string& text) {
+  size_t done = 0;
+  while (done < text.size()) {
+    ssize_t n = write(STDERR_FILENO, text.data() + done, text.size() - done);
+    if (n < 0 && errno == EINTR) continue;
+    if (n <= 0) return;  // a progress line is not worth failing for
+    done += static_cast<size_t>(n);
+  }
+}
+
+}  // namespace
+
+std::string ProgressText(const std::string& what, long seconds) {
+  return seconds <= 0 ? what : what + " " + std::to_string(seconds) + " s";
+}
+
+ProgressLine::ProgressLine(std::function<std::string()> describe, Sink sink,
+                           std::chrono::milliseconds delay)
+    : describe_(std::move(describe)),
+      sink_(std::move(sink)),
+      delay_(delay),
+      start_(std::chrono::steady_clock::now()) {
+  if (delay_.count() <= 0) {
+    std::lock_guard<std::mutex> lock(mutex_);
+    Show(0);
+  }
+  thread_ = std::thread(&ProgressLine::Run, this);
+}
+
+ProgressLine::~ProgressLine() { Finish(); }
+
+void ProgressLine::Finish() {
+  {
+    std::lock_guard<std::mutex> lock(mutex_);
+    if (stop_) return;
+    stop_ = true;
+  }
+  wake_.notify_all();
+  thread_.join();
+  if (shown_) sink_(kErase);
+}
+
+void ProgressLine::Show(long seconds) {
+  if (!shown_) what_ = describe_();
+  shown_ = true;
+  sink_(kErase + ProgressText(what_, seconds));
+}
+
+void ProgressLine::Run() {
+  std::unique_lock<std::mutex> lock(mutex_);
+  auto next = start_ + std::max(delay_, std::chrono::milliseconds(0));
+  if (shown_) next = start_ + std::chrono::seconds(1);
+  for (;;) {
+    if (wake_.wait_until(lock, next, [this] { return stop_; })) return;
+    const auto elapsed = std::chrono::steady_clock::now() - start_;
+    const long seconds =
+        static_cast<long>(std::chrono::duration_cast<std::chrono::seconds>(elapsed).count());
+    Show(seconds);
+    next = start_ + std::chrono::seconds(seconds + 1);
+  }
+}
+
+std::unique_ptr<ProgressLine> LoadProgressOnTerminal(const std::string& root, std::ostream& err) {
+  if (&err != &std::cerr || !isatty(STDERR_FILENO)) return nullptr;
+  return std::make_unique<ProgressLine>(
+      [root] { return "loading " + ExtensionFileCount(root) + " extension files\u2026"; },
+      WriteToStderr, kLoadDelay);
+}
+
+}  // namespace cmcfg_tool
