@@ -63,7 +63,7 @@ const char* const kRingPatterns[] = {"short", "long", "triple", "default", "400,
 const char* const kServiceCodes[20] = {"*72",     "*73",  "*90,*91", "*92,*93", "*21,*22",
                                        "#9f",     "*69",  "*70",     "*78,*79", "*60",
                                        "*67",     "*82",  "*66",     "*86",     "*97",
-                                       "*8",      "**8",  "#3f",     "#4f,#5f", "*99"};
+                                       "*80",     "**8",  "#3f",     "#4f,#5f", "*99"};
 
 template <size_t N>
 const char* Pick(Random& r, const char* const (&list)[N]) {

@@ -15,7 +15,7 @@
 namespace bench_roots {
 
 // Bump whenever the generated files change.
-constexpr int kGeneratorVersion = 1;
+constexpr int kGeneratorVersion = 2;
 
 // The folder that holds the cached roots: $CMCFG_BENCH_CACHE, else
 // /tmp/cmcfg-bench.

@@ -4,7 +4,12 @@
 
 #include "tools/check_destinations.h"
 #include "tools/check_extensions.h"
+#include "tools/check_fields.h"
+#include "tools/check_linedb.h"
+#include "tools/check_pstn.h"
+#include "tools/check_service_codes.h"
 #include "tools/check_syntax.h"
+#include "tools/check_tones.h"
 #include "tools/session.h"
 
 namespace cmcfg_tool {
@@ -14,10 +19,16 @@ Findings FindProblems(const std::string& root) {
   const std::vector<CheckedFile> files = LoadRootFiles(root, &findings);
   CheckExtensions(files, &findings);
   CheckDestinations(files, &findings);
+  CheckBlockFiles(files, &findings);
+  CheckLineDatabase(files, &findings);
+  CheckPstnChannels(files, &findings);
+  CheckServiceCodes(files, &findings);
+  CheckTones(files, &findings);
   return findings;
 }
 
 int RunCheck(const CheckOptions& options, std::ostream& out, std::ostream& err) {
+  cfg::ReadOnlyScope readOnly;  // a check looks; it never repairs
   const std::string root = ResolveRoot(options.root);
   if (!RootIsUsable(root, err)) return 2;
   const Findings findings = FindProblems(root);

@@ -53,11 +53,8 @@ class Checker {
   }
 
   void Extension(const CheckedFile& file) {
-    const bool user = StartsWith(file.relative, std::string(kDatabase) + "user/");
-    std::set<std::string_view> seen;
-    for (const cfg::Section& section : file.doc.sections()) {
-      // Only the first section of a name is read.
-      if (!seen.insert(section.name).second) continue;
+    const bool user = ExtensionKind(file) == "user";
+    ForEachFirstSection(file.doc, [&](const cfg::Section& section) {
       const std::string_view name = section.name;
       if (StartsWith(name, "contact ") && name.find(" forward_") != std::string_view::npos) {
         for (const cfg::Entry& entry : section.entries) {
@@ -78,17 +75,16 @@ class Checker {
         if (entry != nullptr && section.Get("dest_type") == "0")
           Require(file, *entry, std::string(entry->value), "speed-dial destination");
       }
-    }
+    });
   }
 
   void LineDatabase(const CheckedFile& file) {
-    std::set<std::string_view> seen;
-    for (const cfg::Section& section : file.doc.sections()) {
-      // The first section of an endpoint counts.
-      if (!StartsWith(section.name, "binding ") || !seen.insert(section.name).second) continue;
+    // The first section of an endpoint counts.
+    ForEachFirstSection(file.doc, [&](const cfg::Section& section) {
+      if (!StartsWith(section.name, "binding ")) return;
       if (const cfg::Entry* entry = section.Find("extension"))
         Require(file, *entry, std::string(entry->value), "the bound extension");
-    }
+    });
   }
 
  private:

@@ -10,8 +10,8 @@ namespace cmcfg_tool {
 
 // Checks the extension and attendant files among `files` for what the agent
 // skips silently: codec names it does not know (fax lists may also name a
-// section of "telephony/fax.cfg") and speed-dial codes that are not "#"
-// and two digits in user extensions. Adds warnings to `findings`.
+// section of "telephony/fax.cfg"), and in user extensions speed-dial
+// sections without a number and codes that are not "#" and two digits. Adds warnings to `findings`.
 void CheckExtensions(const std::vector<CheckedFile>& files, Findings* findings);
 
 }  // namespace cmcfg_tool

@@ -45,19 +45,10 @@ bool LoadOne(const std::string& root, const std::string& relative, Findings* fin
   for (const cfg::Section& section : file.doc.sections()) {
     auto inserted = firstLine.emplace(section.name, section.line);
     if (inserted.second) continue;
-    Finding f;
-    f.file = relative;
-    f.line = section.line;
-    f.error = false;
-    f.code = "duplicate-section";
-    f.message = "duplicate section \"" + std::string(section.name) +
-                "\"; the one at line " + std::to_string(inserted.first->second) + " is read";
-    if (section.line >= 1 && section.line <= file.lines.size()) {
-      f.text = file.lines[section.line - 1];
-      size_t at = f.text.find(section.name);
-      f.column = static_cast<uint32_t>(at == std::string::npos ? 0 : at);
-    }
-    findings->push_back(std::move(f));
+    findings->push_back(SectionFinding(
+        file, section, false, "duplicate-section",
+        "duplicate section \"" + std::string(section.name) + "\"; the one at line " +
+            std::to_string(inserted.first->second) + " is read"));
   }
   files->push_back(std::move(file));
   return true;
@@ -76,6 +67,51 @@ std::vector<std::string> SortedEntries(const std::string& folder, bool wantFolde
 }
 
 }  // namespace
+
+namespace {
+
+// A finding on `line` of `file` with the caret under the first `needle`.
+Finding LineFinding(const CheckedFile& file, uint32_t line, std::string_view needle, bool error,
+                    const std::string& code, const std::string& message) {
+  Finding f;
+  f.file = file.relative;
+  f.line = line;
+  f.error = error;
+  f.code = code;
+  f.message = message;
+  if (line >= 1 && line <= file.lines.size()) {
+    f.text = file.lines[line - 1];
+    const size_t at = f.text.find(needle);
+    f.column = static_cast<uint32_t>(at == std::string::npos ? 0 : at);
+  }
+  return f;
+}
+
+}  // namespace
+
+Finding SectionFinding(const CheckedFile& file, const cfg::Section& section, bool error,
+                       const std::string& code, const std::string& message) {
+  return LineFinding(file, section.line, section.name, error, code, message);
+}
+
+Finding KeyFinding(const CheckedFile& file, const cfg::Entry& entry, bool error,
+                   const std::string& code, const std::string& message) {
+  return LineFinding(file, entry.line, entry.key, error, code, message);
+}
+
+const CheckedFile* FindFile(const std::vector<CheckedFile>& files, const std::string& relative) {
+  for (const CheckedFile& file : files)
+    if (file.relative == relative) return &file;
+  return nullptr;
+}
+
+std::string ExtensionKind(const CheckedFile& file) {
+  const std::string db = "telephony/extensiondb/";
+  if (file.relative.compare(0, db.size(), db) != 0) return "";
+  const size_t slash = file.relative.find('/', db.size());
+  if (slash == std::string::npos) return "";
+  return file.relative.substr(db.size(), slash - db.size());
+}
 
 bool IsExtensionFileName(const std::string& fileName) {
   const std::string suffix = ".cfg";

@@ -1,7 +1,9 @@
 #ifndef CMCFG_TOOLS_CHECK_SYNTAX_H_
 #define CMCFG_TOOLS_CHECK_SYNTAX_H_
 
+#include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/base/document.h"
@@ -24,6 +26,29 @@ struct CheckedFile {
 // occur twice (warnings, the first is read), and extension files whose
 // names break the naming rules (warnings; such files are not returned).
 std::vector<CheckedFile> LoadRootFiles(const std::string& root, Findings* findings);
+
+// The file `relative` among `files`, or nullptr when the root has none.
+const CheckedFile* FindFile(const std::vector<CheckedFile>& files, const std::string& relative);
+
+// A finding about `section` of `file`, the caret under the section's name.
+Finding SectionFinding(const CheckedFile& file, const cfg::Section& section, bool error,
+                       const std::string& code, const std::string& message);
+// A finding about the key of `entry` in `file`, the caret under the key.
+Finding KeyFinding(const CheckedFile& file, const cfg::Entry& entry, bool error,
+                   const std::string& code, const std::string& message);
+
+// The kind folder of an extension file ("user" for
+// "telephony/extensiondb/user/101.cfg"); "" for any other file.
+std::string ExtensionKind(const CheckedFile& file);
+
+// Calls visit(section) for the first section of each name in file order:
+// lookups by name read only that one.
+template <typename Visit>
+void ForEachFirstSection(const cfg::Document& doc, Visit visit) {
+  std::set<std::string_view> seen;
+  for (const cfg::Section& section : doc.sections())
+    if (seen.insert(section.name).second) visit(section);
+}
 
 // True when the extension database reads a file of that name (NAME.cfg
 // with a NAME that is not empty, not ".", and holds no "/", ".." or control

@@ -6,6 +6,8 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <sstream>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/support/temp_root.h"
@@ -44,7 +46,8 @@ TEST_F(CheckTest, TheExampleIsCleanAndLeftUntouched) {
   EXPECT_EQ("", out_.str());
   EXPECT_EQ("", err_.str());
   ASSERT_EQ(0, Run({"check", "--json", "--root", Examples()}));
-  EXPECT_EQ(nlohmann::json::array(), nlohmann::json::parse(out_.str()));
+  const nlohmann::json found = nlohmann::json::parse(out_.str());
+  EXPECT_TRUE(found.is_array() && found.empty()) << out_.str();
 
   // Nothing is written into the root, not even lock files.
   CopyExample(root_.path());
@@ -147,11 +150,13 @@ TEST_F(CheckTest, UnknownCodecNamesAreWarnedAtTheName) {
                           "                 ^"));
 }
 
-TEST_F(CheckTest, SpeedDialCodesMustBeHashAndTwoDigitsInUserFiles) {
+TEST_F(CheckTest, SpeedDialEntriesNeedANumberAndHashTwoDigitsInUserFiles) {
   root_.Write(std::string(kUser) + "101.cfg",
               "section speed_dial 1\n{\ncalling_code = #1\n}\n"
               "section speed_dial 2\n{\ncalling_code = #01\n}\n"
-              "section speed_dial 3\n{\ncalling_code = *01\n}\n");
+              "section speed_dial 3\n{\ncalling_code = *01\n}\n"
+              "section speed_dial x\n{\ncalling_code = #1\n}\n"
+              "section speed_dial 0x4\n{\ncalling_code = #04\n}\n");
   // Only user extensions have a speed-dial list.
   root_.Write("telephony/extensiondb/attendant/100.cfg",
               "section speed_dial 1\n{\ncalling_code = #1\n}\n");
@@ -164,7 +169,11 @@ TEST_F(CheckTest, SpeedDialCodesMustBeHashAndTwoDigitsInUserFiles) {
                           "telephony/extensiondb/user/101.cfg:11: warning: speed-dial code "
                           "\"*01\" is not \"#\" and two digits; the entry is skipped",
                           "calling_code = *01",  //
-                          "               ^"));
+                          "               ^",
+                          "telephony/extensiondb/user/101.cfg:13: warning: section \"speed_dial "
+                          "x\" has no number after \"speed_dial\"; the entry is skipped",
+                          "section speed_dial x",  //
+                          "        ^"));
 }
 
 TEST_F(CheckTest, ExtensionDestinationsMustNameAnExtension) {
@@ -180,7 +189,9 @@ TEST_F(CheckTest, ExtensionDestinationsMustNameAnExtension) {
               "destination_4 = 1,0,101\n"
               "}\n");
   root_.Write("telephony/linedb", "section binding 1/1\n{\nextension = 194\n}\n"
-                                  "section binding 1/2\n{\nextension = 100\n}\n");
+                                  "section binding 1/2\n{\nextension = 100\n}\n"
+                                  "section fxs 1/1\n{\n}\nsection fxs 1/2\n{\n}\n");
+  root_.Write("telephony/gateways.cfg", "section 1\n{\nname = main\n}\n");
   EXPECT_EQ(0, Check());
   EXPECT_THAT(Lines(out_.str()),
               ElementsAre("telephony/linedb:3: warning: the bound extension \"194\" names no "
@@ -218,46 +229,80 @@ TEST_F(CheckTest, JsonGivesTheSameFindings) {
 // its file and line.
 TEST_F(CheckTest, OneMistakeOfEachKindInACopyOfTheExample) {
   CopyExample(root_.path());
-  const std::string file109 = std::string(kUser) + "109.cfg";
-  std::string text = root_.Read(file109);
-  auto replace = [&text](const std::string& from, const std::string& to) {
-    size_t at = text.find(from);
-    ASSERT_NE(std::string::npos, at) << from;
-    text.replace(at, from.size(), to);
+  // Makes the replacements in the copy's file and returns its new text.
+  auto edit = [this](const std::string& file,
+                     std::vector<std::pair<std::string, std::string>> replacements) {
+    std::string text = root_.Read(file);
+    for (const auto& r : replacements) {
+      size_t at = text.find(r.first);
+      EXPECT_NE(std::string::npos, at) << file << ": " << r.first;
+      if (at != std::string::npos) text.replace(at, r.first.size(), r.second);
+    }
+    root_.Write(file, text);
+    return text;
   };
-  replace("voice_codecs = G711A,G711U,G729", "voice_codecs = G711A,G7299,G729");
-  replace("calling_code = #03", "calling_code = #3");
-  replace("section busy_redial\n{\n", "section busy_redial\n{\ninterval 45\n");
-  replace("section auto_call", "section timeouts\n{\n}\n\nsection auto_call");
-  root_.Write(file109, text);
+  // The line of `text` where `needle` first (or last) occurs, as text.
+  auto lineOf = [](const std::string& text, const std::string& needle, bool last = false) {
+    const std::vector<std::string> lines = tool_testing::Lines(text);
+    std::string found = "?";
+    for (size_t i = 0; i < lines.size(); ++i) {
+      if (lines[i].find(needle) == std::string::npos) continue;
+      found = std::to_string(i + 1);
+      if (!last) break;
+    }
+    return found;
+  };
+  const std::string file109 = std::string(kUser) + "109.cfg";
+  const std::string text109 =
+      edit(file109, {{"voice_codecs = G711A,G711U,G729", "voice_codecs = G711A,G7299,G729"},
+                     {"calling_code = #03", "calling_code = #3"},
+                     {"section busy_redial\n{\n", "section busy_redial\n{\ninterval 45\n"},
+                     {"section auto_call", "section timeouts\n{\n}\n\nsection auto_call"},
+                     {"code_1 = *72", "code_1 = *7a2"},
+                     {"code_5 = *91", "code_5 = *901"}});
   root_.Write(std::string(kUser) + "a..b.cfg", "");
+  const std::string gateways = edit("telephony/gateways.cfg",
+                                    {{"type = 2", "type = remote"}, {"name = warehouse", "label = x"}});
+  const std::string linedb = edit("telephony/linedb", {{"section binding 1/7", "section binding 9/7"}});
+  const std::string file600 = std::string(kUser) + "600.cfg";
+  const std::string text600 = edit(file600, {{"fxo_channels = 1,2", "fxo_channels = 1,2x"}});
+  const std::string tones = "telephony/regional/tonetypes.cfg";
+  const std::string toneText = edit(tones, {{"frequency_1 = 425", "frequency_1 = 425Hz"}});
 
   EXPECT_EQ(1, Check());
   std::vector<std::string> headings;
   for (const std::string& line : Lines(out_.str()))
     if (line.compare(0, 10, "telephony/") == 0) headings.push_back(line);
-  const std::vector<std::string> lines = tool_testing::Lines(text);
-  auto lineOf = [&lines](const std::string& needle) {
-    for (size_t i = 0; i < lines.size(); ++i)
-      if (lines[i].find(needle) != std::string::npos) return std::to_string(i + 1);
-    return std::string("?");
-  };
-  auto lastLineOf = [&lines](const std::string& needle) {
-    for (size_t i = lines.size(); i-- > 0;)
-      if (lines[i] == needle) return std::to_string(i + 1);
-    return std::string("?");
-  };
   const std::string at = file109 + ":";
-  EXPECT_THAT(headings,
-              ElementsAre(at + lineOf("interval 45") + ": error: expected 'key = value'",
-                          at + lastLineOf("section timeouts") +
-                              ": warning: duplicate section \"timeouts\"; the one at line " +
-                              lineOf("section timeouts") + " is read",
-                          "telephony/extensiondb/user/a..b.cfg: warning: the file name breaks the "
-                          "extension naming rules; the file is ignored",
-                          at + lineOf("G7299") + ": warning: unknown codec name \"G7299\"",
-                          at + lineOf("#3") + ": warning: speed-dial code \"#3\" is not \"#\" "
-                                              "and two digits; the entry is skipped"));
+  EXPECT_THAT(
+      headings,
+      ElementsAre(
+          at + lineOf(text109, "interval 45") + ": error: expected 'key = value'",
+          at + lineOf(text109, "section timeouts", true) +
+              ": warning: duplicate section \"timeouts\"; the one at line " +
+              lineOf(text109, "section timeouts") + " is read",
+          "telephony/extensiondb/user/a..b.cfg: warning: the file name breaks the "
+          "extension naming rules; the file is ignored",
+          at + lineOf(text109, "G7299") + ": warning: unknown codec name \"G7299\"",
+          at + lineOf(text109, "#3") + ": warning: speed-dial code \"#3\" is not \"#\" "
+                                       "and two digits; the entry is skipped",
+          "telephony/gateways.cfg:" + lineOf(gateways, "label = x") +
+              ": warning: unknown key \"label\" in section \"2\"; it is not read",
+          "telephony/gateways.cfg:" + lineOf(gateways, "type = remote") +
+              ": warning: value \"remote\" of type is not a number; the default is kept",
+          "telephony/linedb:" + lineOf(linedb, "binding 9/7") +
+              ": warning: gateway 9 of \"binding 9/7\" is not in telephony/gateways.cfg; the "
+              "extension is not bound",
+          file600 + ":" + lineOf(text600, "fxo_channels") +
+              ": warning: channel \"2x\" in fxo_channels is not a number from 0 to 65535; it "
+              "reads as 2",
+          at + lineOf(text109, "*7a2") + ": warning: service code \"*7a2\" of code_1 holds "
+                                         "\"a\", which forms no key; it is dialled as \"*72\"",
+          at + lineOf(text109, "*901") + ": warning: service code \"*901\" of code_5 can never "
+                                         "be reached: \"*90\" of code_4 is dialled before it ends",
+          tones + ":" + lineOf(toneText, "425Hz") +
+              ": warning: tone value \"425Hz\" of frequency_1 is not a number from 0 to 65535; "
+              "it reads as 425"));
 }
 
 }  // namespace

@@ -106,7 +106,7 @@ TEST_F(ExtTest, FunctionalTableRendersKeysAndServiceKeys) {
   EXPECT_EQ("0x801", Value(text, "Functional table", "*72"));
   EXPECT_EQ("0x803", Value(text, "Functional table", "*78"));
   EXPECT_EQ("0x803", Value(text, "Functional table", "*79"));
-  EXPECT_EQ("0x800", Value(text, "Functional table", "*8"));   // code 6 comes first
+  EXPECT_EQ("0x800", Value(text, "Functional table", "*80"));   // code 6 comes first
   EXPECT_EQ("0x809", Value(text, "Functional table", "*60"));  // codes 9 and 10 trade keys
   EXPECT_EQ("0x808", Value(text, "Functional table", "*61"));
   EXPECT_EQ("0xA80F", Value(text, "Functional table", "*86"));  // 16 and 17 carry 0xA000

@@ -1,0 +1,255 @@
+// The checks of what the agent reads differently from what is written:
+// block files, the line database, PSTN channels, service codes and tones.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "platform/blocks/gateway_accessor.h"
+#include "platform/blocks/ring_pattern_params.h"
+#include "tests/support/temp_root.h"
+#include "tests/tools/tool_test_util.h"
+#include "tools/check.h"
+#include "tools/check_fields.h"
+#include "tools/check_pstn.h"
+#include "tools/check_service_codes.h"
+
+namespace {
+
+using cmcfg_tool::ChannelProblem;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+const char kUser[] = "telephony/extensiondb/user/";
+
+// Every finding of a root as the text `check` prints, caret lines included.
+class CheckRulesTest : public ::testing::Test {
+ protected:
+  std::vector<std::string> Check() {
+    std::ostringstream out;
+    cmcfg_tool::PrintFindings(cmcfg_tool::FindProblems(root_.path()), out);
+    return tool_testing::Lines(out.str());
+  }
+
+  testing_support::TempRoot root_;
+};
+
+std::vector<std::string> Messages(const std::vector<ChannelProblem>& problems) {
+  std::vector<std::string> messages;
+  for (const ChannelProblem& p : problems) messages.push_back(p.message);
+  return messages;
+}
+
+TEST(FieldProbeTest, LearnsKeysAndTypesFromTheBlockItself) {
+  const cmcfg_tool::FieldProbe gateway = cmcfg_tool::FieldProbe::Of<GatewayBlock>();
+  EXPECT_THAT(gateway.keys(), ElementsAre("address", "name", "type"));
+  EXPECT_TRUE(gateway.Takes("type", "2"));
+  EXPECT_TRUE(gateway.Takes("type", " 0x2 "));
+  EXPECT_TRUE(gateway.Takes("type", "7"));  // equal to a probe value, still taken
+  EXPECT_FALSE(gateway.Takes("type", "two"));
+  EXPECT_FALSE(gateway.Takes("type", ""));
+  EXPECT_TRUE(gateway.Takes("name", "two"));
+  const cmcfg_tool::FieldProbe ring = cmcfg_tool::FieldProbe::Of<RingPatternBlock>();
+  EXPECT_TRUE(ring.Takes("cadence", "500,4000"));
+  EXPECT_FALSE(ring.Takes("cadence", "500,long"));
+}
+
+TEST_F(CheckRulesTest, BlockFilesReportUnknownKeysBadValuesAndSectionsThatAreNoId) {
+  root_.Write("telephony/gateways.cfg",
+              "section 1\n{\nname = main\ntype = local\nadress = 10.0.0.1\n}\n"
+              "section main\n{\nname = x\n}\n");
+  root_.Write("telephony/ringpatterns.cfg", "section 1\n{\nname = one\ncadence = 500,4000s\n}\n");
+  EXPECT_THAT(Check(),
+              ElementsAre("telephony/gateways.cfg:4: warning: value \"local\" of type is not a "
+                          "number; the default is kept",
+                          "type = local", "       ^",
+                          "telephony/gateways.cfg:5: warning: unknown key \"adress\" in section "
+                          "\"1\"; it is not read",
+                          "adress = 10.0.0.1", "^",
+                          "telephony/gateways.cfg:7: warning: section \"main\" is not a block id; "
+                          "it is ignored",
+                          "section main", "        ^",
+                          "telephony/ringpatterns.cfg:4: warning: value \"500,4000s\" of cadence "
+                          "is not a number; the default is kept",
+                          "cadence = 500,4000s", "          ^"));
+}
+
+TEST_F(CheckRulesTest, LineDatabaseEntriesTheAgentCannotBind) {
+  root_.Write("telephony/gateways.cfg", "section 1\n{\nname = main\n}\n");
+  root_.Write("telephony/extensiondb/user/101.cfg", "");
+  root_.Write("telephony/linedb",
+              "section binding 1/1\n{\nextension = 101\n}\n"
+              "section fxs 1/1\n{\n}\n"
+              "section binding 1/01\n{\nextension = 101\n}\n"  // the same port
+              "section binding 3/1\n{\nextension = 101\n}\n"   // no gateway 3
+              "section binding 1/2\n{\nextension = 101\n}\n"   // no fxs 1/2
+              "section binding 1-3\n{\n}\n"
+              "section bindings 1/4\n{\n}\n");
+  EXPECT_THAT(Check(),
+              ElementsAre("telephony/linedb:8: warning: FXS port 1/1 is bound twice; the binding "
+                          "at line 1 is read",
+                          "section binding 1/01", "        ^",
+                          "telephony/linedb:20: warning: section \"binding 1-3\" is no "
+                          "line-database entry (binding, fxs or fxo G/L); it is ignored",
+                          "section binding 1-3", "        ^",
+                          "telephony/linedb:23: warning: section \"bindings 1/4\" is no "
+                          "line-database entry (binding, fxs or fxo G/L); it is ignored",
+                          "section bindings 1/4", "        ^",
+                          "telephony/linedb:12: warning: gateway 3 of \"binding 3/1\" is not in "
+                          "telephony/gateways.cfg; the extension is not bound",
+                          "section binding 3/1", "        ^",
+                          "telephony/linedb:16: warning: no section \"fxs 1/2\" for \"binding "
+                          "1/2\"; the extension is not bound",
+                          "section binding 1/2", "        ^"));
+}
+
+TEST(PstnChannelsTest, ChannelListsReadAsTheAgentReadsThem) {
+  EXPECT_THAT(Messages(cmcfg_tool::ChannelListProblems("fxo_channels", "1, 2 ,3")), IsEmpty());
+  EXPECT_THAT(Messages(cmcfg_tool::ChannelListProblems("fxo_channels", "all_channels")), IsEmpty());
+  EXPECT_THAT(Messages(cmcfg_tool::ChannelListProblems("fxo_channels", "1,2x,,x,70000")),
+              ElementsAre("channel \"2x\" in fxo_channels is not a number from 0 to 65535; it "
+                          "reads as 2",
+                          "channel \"\" in fxo_channels is not a number from 0 to 65535; it reads "
+                          "as 0",
+                          "channel \"x\" in fxo_channels is not a number from 0 to 65535; it "
+                          "reads as 0",
+                          "channel \"70000\" in fxo_channels is not a number from 0 to 65535; it "
+                          "reads as 4464"));
+  std::string many;
+  for (int i = 0; i < 257; ++i) many += (i ? "," : "") + std::to_string(i);
+  EXPECT_THAT(Messages(cmcfg_tool::ChannelListProblems("isdn_channels", many)),
+              ElementsAre("isdn_channels lists more than 256 channels; the rest are ignored"));
+  many = many.substr(0, many.rfind(','));
+  EXPECT_THAT(Messages(cmcfg_tool::ChannelListProblems("isdn_channels", many)), IsEmpty());
+}
+
+TEST(PstnChannelsTest, CasSpansAndTimeSlots) {
+  EXPECT_THAT(Messages(cmcfg_tool::CasProblems("0/1-15;0/17-31")), IsEmpty());
+  EXPECT_THAT(Messages(cmcfg_tool::CasProblems("1/1,2,31;all_channels")),
+              ElementsAre("span \"all_channels\" in cas_channels is not a number from 0 to 65535; "
+                          "it reads as 0",
+                          "span group \"all_channels\" in cas_channels has no \"/\" and no time "
+                          "slots"));
+  EXPECT_THAT(Messages(cmcfg_tool::CasProblems("0/1,3-5;x/2;0/5-1;0/1-40;0/4,32")),
+              ElementsAre("time slots \"1,3-5\" in cas_channels are neither a list nor one range; "
+                          "they read as 1-5",
+                          "span \"x\" in cas_channels is not a number from 0 to 65535; it reads "
+                          "as 0",
+                          "time slot range \"5-1\" in cas_channels is empty",
+                          "time slot range \"1-40\" in cas_channels ends past 31; it is cut there",
+                          "time slot 32 in cas_channels is past 31; it is dropped"));
+  std::string spans;
+  for (int i = 0; i < 65; ++i) spans += (i ? ";" : "") + std::to_string(i % 65) + "/1";
+  EXPECT_THAT(Messages(cmcfg_tool::CasProblems(spans)),
+              ElementsAre("cas_channels holds more than 64 spans; the rest are ignored"));
+  // The same span twice is merged, not counted again.
+  EXPECT_THAT(Messages(cmcfg_tool::CasProblems(spans.substr(0, spans.rfind(';')) + ";0/2")),
+              IsEmpty());
+}
+
+TEST_F(CheckRulesTest, PstnChannelFindingsPointAtThePiece) {
+  root_.Write("telephony/extensiondb/user/600.cfg",
+              "section pstn_agent\n{\nfxo_channels = 1,two\ncas_channels = 0/1-15;0/17-33\n}\n");
+  EXPECT_THAT(Check(),
+              ElementsAre("telephony/extensiondb/user/600.cfg:3: warning: channel \"two\" in "
+                          "fxo_channels is not a number from 0 to 65535; it reads as 0",
+                          "fxo_channels = 1,two", "                 ^",
+                          "telephony/extensiondb/user/600.cfg:4: warning: time slot range "
+                          "\"17-33\" in cas_channels ends past 31; it is cut there",
+                          "cas_channels = 0/1-15;0/17-33", "                        ^"));
+}
+
+TEST_F(CheckRulesTest, ServiceCodesThatFormNoKeyOrCanNeverBeReached) {
+  EXPECT_EQ("*72#f1", cmcfg_tool::DialledKeys("*7 2#f1F"));
+  root_.Write(std::string(kUser) + "101.cfg",
+              "section service_codes\n{\n"
+              "code_1 = *72\n"
+              "code_2 = *7x3\n"
+              "code_3 = *78,*721\n"
+              "code_4 = ab\n"
+              "code_21 = *99\n"
+              "code_5 = *7\n"
+              "}\n");
+  // Attendants have no functional table.
+  root_.Write("telephony/extensiondb/attendant/100.cfg",
+              "section service_codes\n{\ncode_1 = x\ncode_30 = 1\n}\n");
+  EXPECT_THAT(
+      Check(),
+      ElementsAre("telephony/extensiondb/user/101.cfg:7: warning: unknown key \"code_21\" in "
+                  "section \"service_codes\"; it is not read",
+                  "code_21 = *99", "^",
+                  "telephony/extensiondb/user/101.cfg:4: warning: service code \"*7x3\" of code_2 "
+                  "holds \"x\", which forms no key; it is dialled as \"*73\"",
+                  "code_2 = *7x3", "         ^",
+                  "telephony/extensiondb/user/101.cfg:6: warning: service code \"ab\" of code_4 "
+                  "forms no key sequence",
+                  "code_4 = ab", "         ^",
+                  "telephony/extensiondb/user/101.cfg:3: warning: service code \"*72\" of code_1 "
+                  "can never be reached: \"*7\" of code_5 is dialled before it ends",
+                  "code_1 = *72", "         ^",
+                  "telephony/extensiondb/user/101.cfg:4: warning: service code \"*7x3\" of code_2 "
+                  "can never be reached: \"*7\" of code_5 is dialled before it ends",
+                  "code_2 = *7x3", "         ^",
+                  "telephony/extensiondb/user/101.cfg:5: warning: service code \"*78\" of code_3 "
+                  "can never be reached: \"*7\" of code_5 is dialled before it ends",
+                  "code_3 = *78,*721", "         ^",
+                  "telephony/extensiondb/user/101.cfg:5: warning: service code \"*721\" of code_3 "
+                  "can never be reached: \"*7\" of code_5 is dialled before it ends",
+                  "code_3 = *78,*721", "             ^"));
+}
+
+TEST_F(CheckRulesTest, ServiceCodeHiddenBehindTheShortestPrefixOnly) {
+  root_.Write(std::string(kUser) + "101.cfg",
+              "section service_codes\n{\ncode_1 = *72\ncode_2 = *721,*7210\ncode_3 = *73\n}\n");
+  EXPECT_THAT(Check(),
+              ElementsAre("telephony/extensiondb/user/101.cfg:4: warning: service code \"*721\" "
+                          "of code_2 can never be reached: \"*72\" of code_1 is dialled before it "
+                          "ends",
+                          "code_2 = *721,*7210", "         ^",
+                          "telephony/extensiondb/user/101.cfg:4: warning: service code \"*7210\" "
+                          "of code_2 can never be reached: \"*72\" of code_1 is dialled before it "
+                          "ends",
+                          "code_2 = *721,*7210", "              ^"));
+}
+
+TEST_F(CheckRulesTest, ToneValuesThatDoNotReadAsWritten) {
+  root_.Write("telephony/regional/tonetypes.cfg",
+              "section DeviceTone_LineBusy\n{\n"
+              "frequency_1 = 425Hz\n"
+              "frequency_2 = high\n"
+              "tone_level_1 = -6\n"
+              "tone_level_2 = -6.5\n"
+              "is_play_wav_on = 2\n"
+              "pattern = 500,5OO\n"
+              "silence_duration = \n"
+              "volume = 3\n"
+              "}\n"
+              "section DeviceTone_Busy\n{\n}\n");
+  EXPECT_THAT(Check(),
+              ElementsAre("telephony/regional/tonetypes.cfg:3: warning: tone value \"425Hz\" of "
+                          "frequency_1 is not a number from 0 to 65535; it reads as 425",
+                          "frequency_1 = 425Hz", "              ^",
+                          "telephony/regional/tonetypes.cfg:4: warning: tone value \"high\" of "
+                          "frequency_2 is not a number from 0 to 65535; it reads as 0",
+                          "frequency_2 = high", "              ^",
+                          "telephony/regional/tonetypes.cfg:6: warning: tone value \"-6.5\" of "
+                          "tone_level_2 is not a whole number; it reads as -6",
+                          "tone_level_2 = -6.5", "               ^",
+                          "telephony/regional/tonetypes.cfg:7: warning: tone value \"2\" of "
+                          "is_play_wav_on is not 0 or 1; it reads as 1",
+                          "is_play_wav_on = 2", "                 ^",
+                          "telephony/regional/tonetypes.cfg:8: warning: tone value \"500,5OO\" of "
+                          "pattern holds \"5OO\", which is not a duration in ms; the player "
+                          "receives it as written",
+                          "pattern = 500,5OO", "          ^",
+                          "telephony/regional/tonetypes.cfg:10: warning: unknown key \"volume\" "
+                          "in section \"DeviceTone_LineBusy\"; it is not read",
+                          "volume = 3", "^",
+                          "telephony/regional/tonetypes.cfg:12: warning: section "
+                          "\"DeviceTone_Busy\" names no tone; it is ignored",
+                          "section DeviceTone_Busy", "        ^"));
+}
+
+}  // namespace

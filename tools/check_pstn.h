@@ -1,0 +1,37 @@
+#ifndef CMCFG_TOOLS_CHECK_PSTN_H_
+#define CMCFG_TOOLS_CHECK_PSTN_H_
+
+#include <string>
+#include <vector>
+
+#include "tools/check_findings.h"
+#include "tools/check_syntax.h"
+
+namespace cmcfg_tool {
+
+// What the agent makes of one channel specification that it would not read
+// as written: the piece of text concerned (for the caret) and a message.
+struct ChannelProblem {
+  std::string piece;
+  std::string message;
+};
+
+// The problems of an FXO or ISDN channel list ("1,2,5" or "all_channels")
+// held by `key`: pieces that are not a channel number (the agent reads
+// their leading digits, 0 without any) and lists longer than the agent
+// keeps. Empty for a well-formed list.
+std::vector<ChannelProblem> ChannelListProblems(const std::string& key, const std::string& spec);
+
+// The problems of a CAS specification ("0/1-15;0/17-31" or
+// "all_channels"): spans and time slots that are not numbers, groups
+// without slots, slot texts that are neither a list nor one range, slots
+// past the frame's last, and more spans than the agent keeps.
+std::vector<ChannelProblem> CasProblems(const std::string& spec);
+
+// Checks `fxo_channels`, `isdn_channels` and `cas_channels` of the
+// `pstn_agent` section of every extension file. Adds warnings to `findings`.
+void CheckPstnChannels(const std::vector<CheckedFile>& files, Findings* findings);
+
+}  // namespace cmcfg_tool
+
+#endif  // CMCFG_TOOLS_CHECK_PSTN_H_

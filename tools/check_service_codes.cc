@@ -1,0 +1,101 @@
+#include "tools/check_service_codes.h"
+
+#include <map>
+
+#include "platform/base/string_utils.h"
+#include "platform/extension/ext_params.h"
+
+namespace cmcfg_tool {
+namespace {
+
+bool IsKey(char c) { return (c >= '0' && c <= '9') || c == '*' || c == '#' || c == 'f'; }
+
+// One code of the section: its text, the key it sits under and its line.
+struct Code {
+  std::string text;
+  std::string keys;
+  const cfg::Entry* entry;
+};
+
+std::string Quoted(const std::string& text) { return "\"" + text + "\""; }
+
+// The codes of the keys the store reads, in file order; other keys are
+// reported as unknown.
+std::vector<Code> ReadCodes(const CheckedFile& file, const cfg::Section& section,
+                            Findings* findings) {
+  std::vector<Code> codes;
+  for (const cfg::Entry& entry : section.entries) {
+    const std::string key(entry.key);
+    bool known = false;
+    for (int i = 1; i <= ExtServiceCodesParams::kCount && !known; ++i)
+      known = key == "code_" + std::to_string(i);
+    if (!known) {
+      findings->push_back(KeyFinding(file, entry, false, "unknown-key",
+                                     "unknown key " + Quoted(key) +
+                                         " in section \"service_codes\"; it is not read"));
+      continue;
+    }
+    if (section.Find(entry.key) != &entry) continue;  // only the first of a key is read
+    for (const std::string& piece : StringUtils::ParseCommaLine(std::string(entry.value), ','))
+      codes.push_back({piece, DialledKeys(piece), &entry});
+  }
+  return codes;
+}
+
+void CheckKeys(const CheckedFile& file, const Code& code, Findings* findings) {
+  const std::string where = " of " + std::string(code.entry->key);
+  if (code.keys.empty()) {
+    findings->push_back(FindingAt(file.relative, file.lines, code.entry->line, code.text, false,
+                                  "service-code-key",
+                                  "service code " + Quoted(code.text) + where +
+                                      " forms no key sequence"));
+    return;
+  }
+  for (char c : code.text) {
+    if (IsKey(c)) continue;
+    findings->push_back(FindingAt(file.relative, file.lines, code.entry->line, code.text, false,
+                                  "service-code-key",
+                                  "service code " + Quoted(code.text) + where + " holds " +
+                                      Quoted(std::string(1, c)) + ", which forms no key; it is "
+                                      "dialled as " + Quoted(code.keys)));
+    return;
+  }
+}
+
+}  // namespace
+
+std::string DialledKeys(const std::string& code) {
+  std::string keys;
+  for (char c : code)
+    if (IsKey(c)) keys += c;
+  return keys;
+}
+
+void CheckServiceCodes(const std::vector<CheckedFile>& files, Findings* findings) {
+  for (const CheckedFile& file : files) {
+    if (ExtensionKind(file) != "user") continue;
+    const cfg::Section* section = file.doc.Find("service_codes");
+    if (section == nullptr) continue;
+    const std::vector<Code> codes = ReadCodes(file, *section, findings);
+    // The first code of each key sequence, to look prefixes up in.
+    std::map<std::string, const Code*> byKeys;
+    for (const Code& code : codes) {
+      CheckKeys(file, code, findings);
+      if (!code.keys.empty()) byKeys.emplace(code.keys, &code);
+    }
+    for (const Code& code : codes) {
+      for (size_t length = 1; length < code.keys.size(); ++length) {
+        auto prefix = byKeys.find(code.keys.substr(0, length));
+        if (prefix == byKeys.end()) continue;
+        findings->push_back(FindingAt(
+            file.relative, file.lines, code.entry->line, code.text, false, "unreachable-code",
+            "service code " + Quoted(code.text) + " of " + std::string(code.entry->key) +
+                " can never be reached: " + Quoted(prefix->second->text) + " of " +
+                std::string(prefix->second->entry->key) + " is dialled before it ends"));
+        break;
+      }
+    }
+  }
+}
+
+}  // namespace cmcfg_tool
