@@ -63,15 +63,24 @@ inline std::vector<std::string> Split(std::string_view input, size_t count) {
   return pieces;
 }
 
-// A configuration root in a fresh temporary folder ($TMPDIR, else /tmp)
-// for the whole run: ORBA_PATH points at it, and the trace log is sent to a
+// Where the roots go: $TMPDIR, else /dev/shm, else /tmp. The targets write
+// their files once per input, so a memory file system (where a flush costs
+// nothing and no inode reaches a disk) is worth several times the rate.
+inline std::string TempBase() {
+  const char* tmp = getenv("TMPDIR");
+  if (tmp != nullptr && *tmp != '\0') return tmp;
+  if (access("/dev/shm", W_OK | X_OK) == 0) return "/dev/shm";
+  return "/tmp";
+}
+
+// A configuration root in a fresh temporary folder (under TempBase()) for
+// the whole run: ORBA_PATH points at it, and the trace log is sent to a
 // folder that never exists, so a fuzzed "log_enabled" formats its lines but
 // writes no file. Removed at a normal exit; a crash leaves it for a look.
 class FuzzRoot {
  public:
   FuzzRoot() {
-    const char* tmp = getenv("TMPDIR");
-    std::string base = tmp && *tmp ? tmp : "/tmp";
+    const std::string base = TempBase();
     std::error_code ec;
     std::filesystem::create_directories(base, ec);
     std::string templ = base + "/cmcfg-fuzz-XXXXXX";

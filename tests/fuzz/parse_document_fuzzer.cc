@@ -133,11 +133,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   cfg::Document again = cfg::Document::Parse(saved);
   CheckShape(again);
   FUZZ_CHECK(EqualWhereComparable(doc, again));
-  const std::string resaved = again.Serialize();
 
   if (fuzz_support::Strict()) {
     CheckRoundTrip(doc, again);
     // Once normalized, the text is a fixed point of the round trip.
+    const std::string resaved = again.Serialize();
     FUZZ_CHECK(cfg::Document::Parse(resaved).Serialize() == resaved);
   }
   return 0;

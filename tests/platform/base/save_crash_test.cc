@@ -137,7 +137,7 @@ TEST(SaveCrashTest, KilledSavesLeaveAWholeFileNoTempAndNoLock) {
   }
   SetLockTimeout(kDefaultLockTimeout);
 
-  std::printf("crash run: kills=%d torn=%d lost=%d stale-lock=%d stale-temp=%d"
+  std::printf("crash run [document saves]: kills=%d torn=%d lost=%d stale-lock=%d stale-temp=%d"
               " (saves=%ld, kills after a child's save=%d, save=%ld us, seed=%u)\n",
               c.kills, c.torn, c.lost, c.stale_lock, c.stale_temp, last, c.after_saves, save_us,
               seed);
