@@ -6,23 +6,12 @@
 #include <utility>
 
 #include "platform/blocks/block_sections.h"
+#include "platform/line/line_manager.h"
 
 namespace cmcfg_tool {
 namespace {
 
 const char* const kKinds[] = {"binding", "fxs", "fxo"};
-
-bool ParseNumber(std::string_view text, uint32_t* value) {
-  if (text.empty() || text.size() > 10) return false;
-  uint64_t v = 0;
-  for (char c : text) {
-    if (c < '0' || c > '9') return false;
-    v = v * 10 + static_cast<uint64_t>(c - '0');
-  }
-  if (v > 0xFFFFFFFFull) return false;
-  *value = static_cast<uint32_t>(v);
-  return true;
-}
 
 std::string Endpoint(uint32_t gateway, uint32_t line) {
   return std::to_string(gateway) + "/" + std::to_string(line);
@@ -50,11 +39,7 @@ bool ParseLineSection(std::string_view name, std::string_view* kind, uint32_t* g
   for (const char* k : kKinds) known = known || name.substr(0, blank) == k;
   if (!known) return false;
   const std::string_view endpoint = name.substr(blank + 1);
-  const size_t slash = endpoint.find('/');
-  if (slash == std::string_view::npos) return false;
-  if (!ParseNumber(endpoint.substr(0, slash), gateway) ||
-      !ParseNumber(endpoint.substr(slash + 1), line))
-    return false;
+  if (!ParseLineEndpoint(endpoint, gateway, line)) return false;
   *kind = name.substr(0, blank);
   return true;
 }

@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "platform/base/file_system.h"
+#include "platform/extension/extension_rep.h"
 
 namespace cmcfg_tool {
 namespace {
@@ -118,13 +119,7 @@ bool IsExtensionFileName(const std::string& fileName) {
   if (fileName.size() < suffix.size() ||
       fileName.compare(fileName.size() - suffix.size(), suffix.size(), suffix) != 0)
     return false;
-  const std::string name = fileName.substr(0, fileName.size() - suffix.size());
-  if (name.empty() || name == "." || name.find('/') != std::string::npos ||
-      name.find("..") != std::string::npos)
-    return false;
-  for (unsigned char c : name)
-    if (c < 0x20 || c == 0x7F) return false;
-  return true;
+  return extdb::IsValidName(fileName.substr(0, fileName.size() - suffix.size()));
 }
 
 std::vector<CheckedFile> LoadRootFiles(const std::string& root, Findings* findings) {

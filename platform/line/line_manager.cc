@@ -50,11 +50,7 @@ bool ParseEndpoint(std::string_view name, int type, uint32_t* gateway, uint32_t*
   if (name.size() <= kind.size() + 1 || name.substr(0, kind.size()) != kind ||
       name[kind.size()] != ' ')
     return false;
-  std::string_view endpoint = name.substr(kind.size() + 1);
-  size_t slash = endpoint.find('/');
-  if (slash == std::string_view::npos) return false;
-  return ParseNumber(endpoint.substr(0, slash), gateway) &&
-         ParseNumber(endpoint.substr(slash + 1), line);
+  return ParseLineEndpoint(name.substr(kind.size() + 1), gateway, line);
 }
 
 uint64_t EndpointKey(uint32_t gateway, uint32_t line) {
@@ -97,6 +93,17 @@ void ReadEntry(const cfg::Section& s, int type, LineBase* entry) {
 }
 
 }  // namespace
+
+bool ParseLineEndpoint(std::string_view endpoint, uint32_t* gateway, uint32_t* line) {
+  const size_t slash = endpoint.find('/');
+  uint32_t g = 0, l = 0;
+  if (slash == std::string_view::npos || !ParseNumber(endpoint.substr(0, slash), &g) ||
+      !ParseNumber(endpoint.substr(slash + 1), &l))
+    return false;
+  *gateway = g;
+  *line = l;
+  return true;
+}
 
 struct LineManagerBase::Rep {
   std::string path;

@@ -5,10 +5,16 @@
 #include <list>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 // "No gateway" / "no line".
 inline constexpr uint32_t gUndefinedLine = 0xFFFFFFFFu;
+
+// Reads an endpoint written "G/L" (two decimal numbers below 2^32, digits
+// only) into gateway and line; false, and neither set, for anything else.
+// The line database names its sections "KIND G/L".
+bool ParseLineEndpoint(std::string_view endpoint, uint32_t* gateway, uint32_t* line);
 
 // One entry of the line database. Which fields are filled depends on the
 // manager type that read it: the binding (type 0) fills extension and
