@@ -1,11 +1,9 @@
 #include "tools/dump.h"
 
-#include <unistd.h>
-
 #include <filesystem>
 #include <initializer_list>
-#include <iostream>
 #include <ostream>
+#include <utility>
 
 #include "cmcfg/cm_agent.h"
 #include "cmcfg/tone_type.h"
@@ -164,14 +162,14 @@ ordered_json DumpJson(const CMAgent& agent) {
     extensions.push_back(ExtensionRecord(*e));
   }
   doc["extension_table"] = {{"slots", agent.extensionBase.size()}, {"empty_slots", empty}};
-  doc["extensions"] = extensions;
+  doc["extensions"] = std::move(extensions);
   ordered_json attendants = ordered_json::array();
   for (const Attendant* a : agent.attendants) {
     if (a == nullptr) continue;
     attendants.push_back(
         AttendantRecord(*a, g.sysAttendant != nullptr && g.sysAttendant->name == a->name));
   }
-  doc["attendants"] = attendants;
+  doc["attendants"] = std::move(attendants);
   // The system attendant in full: it may be a record of its own, not one of
   // the attendants.
   doc["system_attendant"] =
@@ -190,7 +188,7 @@ ordered_json DumpJson(const CMAgent& agent) {
                       {"lines", p.lineCount},
                       {"permissions", p.permissions},
                       {"login_time", p.loginTime}});
-  doc["auto_login"] = phones;
+  doc["auto_login"] = std::move(phones);
   ordered_json tones = ordered_json::array();
   for (int t = 0; t < kDeviceToneCount; ++t) {
     const ToneType& tone = agent.toneTypes[t];
@@ -201,7 +199,7 @@ ordered_json DumpJson(const CMAgent& agent) {
                      {"level", {tone.tone_level_1, tone.tone_level_2}},
                      {"wav", tone.is_play_wav_on}});
   }
-  doc["tones"] = tones;
+  doc["tones"] = std::move(tones);
   return doc;
 }
 
@@ -218,17 +216,6 @@ std::string ExtensionFileCount(const std::string& root) {
     text += digits[i];
   }
   return text;
-}
-
-LoadProgress::LoadProgress(const std::string& root, std::ostream& err) {
-  // Only a person watching a terminal wants it; logs and pipes stay clean.
-  if (&err != &std::cerr || !isatty(STDERR_FILENO)) return;
-  err_ = &err;
-  *err_ << "loading " << ExtensionFileCount(root) << " extensions\u2026" << std::flush;
-}
-
-LoadProgress::~LoadProgress() {
-  if (err_ != nullptr) *err_ << "\r\033[K" << std::flush;
 }
 
 int RunDump(const DumpOptions& options, std::ostream& out, std::ostream& err) {

@@ -27,25 +27,11 @@ std::string JsonText(const nlohmann::json& value);
 std::string JsonText(const nlohmann::ordered_json& value);
 
 // Every record a loaded agent holds, as one document in a fixed key order
-// (see docs/dump.md): the extension table with each extension as "ext
+// (see docs/man/dump.md): the extension table with each extension as "ext
 // --json" gives it, the attendants, the system attendant, the general
 // data, the system messages, call records, external users, auto-login
 // phones and tones. Passwords appear only as whether they are set.
 nlohmann::ordered_json DumpJson(const CMAgent& agent);
-
-// While it lives, and only when err is std::cerr on a terminal, one line
-// "loading N extensions…" on err (N: the extension files under the root),
-// cleared when the object goes.
-class LoadProgress {
- public:
-  LoadProgress(const std::string& root, std::ostream& err);
-  ~LoadProgress();
-  LoadProgress(const LoadProgress&) = delete;
-  LoadProgress& operator=(const LoadProgress&) = delete;
-
- private:
-  std::ostream* err_ = nullptr;  // null when nothing was printed
-};
 
 // The number of extension and attendant files under the root's extension
 // database, "1,234" style.

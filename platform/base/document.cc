@@ -112,10 +112,10 @@ Document& Document::operator=(Document&& other) noexcept {
   if (this == &other) return *this;
   // Our old tables must go while the arena they live in still exists.
   sections_ = std::move(other.sections_);
-  memory_ = std::move(other.memory_);
+  arena_ = std::move(other.arena_);
   buffer_ = std::move(other.buffer_);
   text_ = other.text_;
-  arena_ = std::move(other.arena_);
+  interned_ = std::move(other.interned_);
   verbatim_ = std::move(other.verbatim_);
   verbatim_after_ = std::move(other.verbatim_after_);
   diagnostics_ = std::move(other.diagnostics_);
@@ -125,8 +125,8 @@ Document& Document::operator=(Document&& other) noexcept {
 
 Document Document::Parse(std::string text, const Syntax& syntax) {
   Document doc;
-  doc.memory_ = Arena::ForTables(text.size());
-  doc.sections_ = SectionList(ArenaAllocator<Section>(doc.memory_.get()));
+  doc.arena_ = Arena::ForTables(text.size());
+  doc.sections_ = SectionList(ArenaAllocator<Section>(doc.arena_.get()));
   doc.buffer_.reset(new std::string(std::move(text)));
   doc.text_ = *doc.buffer_;
   Parser(&doc, syntax).Run();
@@ -136,8 +136,8 @@ Document Document::Parse(std::string text, const Syntax& syntax) {
 Document Document::Parse(std::unique_ptr<Arena> arena, std::string_view text,
                          const Syntax& syntax) {
   Document doc;
-  doc.memory_ = std::move(arena);
-  doc.sections_ = SectionList(ArenaAllocator<Section>(doc.memory_.get()));
+  doc.arena_ = std::move(arena);
+  doc.sections_ = SectionList(ArenaAllocator<Section>(doc.arena_.get()));
   doc.text_ = text;
   Parser(&doc, syntax).Run();
   return doc;
@@ -180,7 +180,7 @@ const Section* Document::Find(std::string_view name) const {
 
 Section* Document::TryAdd(std::string_view name) {
   if (!IsValidSectionName(name)) return nullptr;
-  Section section(memory_.get());
+  Section section(arena_.get());
   section.name = Intern(name);
   sections_.push_back(std::move(section));
   return &sections_.back();
@@ -230,8 +230,8 @@ void Document::Remove(Section& section, std::string_view key) {
 }
 
 std::string_view Document::Intern(std::string_view text) {
-  arena_.emplace_back(text);
-  return arena_.back();
+  interned_.emplace_back(text);
+  return interned_.back();
 }
 
 SectionVerbatim& Document::VerbatimOf(Section& section) {

@@ -185,9 +185,9 @@ class Document {
   // (Lists rather than deques: an empty one allocates nothing, moving one
   // allocates nothing, and elements never move, which the views need.)
   std::unique_ptr<std::string> buffer_;  // the text given to Parse(std::string)
-  std::string_view text_;                // the parsed text: in buffer_ or in memory_
-  std::list<std::string> arena_;         // interned texts: decoded values, Intern
-  std::unique_ptr<Arena> memory_;        // the tables; declared before them, freed after
+  std::string_view text_;                // the parsed text: in buffer_ or in arena_
+  std::list<std::string> interned_;      // decoded values and Intern copies
+  std::unique_ptr<Arena> arena_;         // the tables (and a text given with it); freed after them
   SectionList sections_;
   std::list<SectionVerbatim> verbatim_;  // what sections point to; rarely any
   VerbatimLines verbatim_after_;

@@ -188,7 +188,7 @@ void Parser::StartSection(const Token& token) {
 }
 
 void Parser::EndSection() {
-  Section section(doc_->memory_.get());
+  Section section(doc_->arena_.get());
   section.name = open_section_.name;
   section.line = open_section_.line;
   // An exact-size copy: one allocation per section instead of a growing
@@ -219,8 +219,8 @@ std::string_view Parser::DecodeValue(const Token& token) {
   size_t bad = 0;
   if (!Unescape(raw.substr(1, raw.size() - 2), &scratch_, &bad))
     Report(token, raw.substr(1 + bad), "invalid escape sequence");
-  doc_->arena_.push_back(scratch_);
-  return doc_->arena_.back();
+  doc_->interned_.push_back(scratch_);
+  return doc_->interned_.back();
 }
 
 void Parser::Report(const Token& token, std::string_view spot, std::string message) {

@@ -160,7 +160,7 @@ TEST_F(DumpTest, InvalidUtf8IsReplacedInEveryJsonOutput) {
   show.json = true;
   out.str("");
   ASSERT_EQ(0, cmcfg_tool::RunShow(show, out, err));
-  EXPECT_NO_THROW(nlohmann::json::parse(out.str()));
+  EXPECT_TRUE(nlohmann::json::accept(out.str()));
 }
 
 TEST(JsonHelpers, ToOrderedKeepsValuesAndTypes) {
