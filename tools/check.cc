@@ -5,6 +5,7 @@
 #include "tools/check_destinations.h"
 #include "tools/check_extensions.h"
 #include "tools/check_fields.h"
+#include "tools/check_keys.h"
 #include "tools/check_linedb.h"
 #include "tools/check_pstn.h"
 #include "tools/check_service_codes.h"
@@ -20,6 +21,7 @@ Findings FindProblems(const std::string& root) {
   CheckExtensions(files, &findings);
   CheckDestinations(files, &findings);
   CheckBlockFiles(files, &findings);
+  CheckStoreKeys(files, &findings);
   CheckLineDatabase(files, &findings);
   CheckPstnChannels(files, &findings);
   CheckServiceCodes(files, &findings);

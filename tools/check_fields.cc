@@ -1,12 +1,14 @@
 #include "tools/check_fields.h"
 
 #include <sstream>
+#include <utility>
 
 #include "platform/blocks/authorized_phones_accessor.h"
 #include "platform/blocks/block_sections.h"
 #include "platform/blocks/gateway_accessor.h"
 #include "platform/blocks/ring_pattern_params.h"
 #include "platform/blocks/tos_params_accessor.h"
+#include "tools/check_keys.h"
 
 namespace cmcfg_tool {
 
@@ -27,30 +29,33 @@ struct BlockFile {
   FieldProbe probe;
 };
 
+// The probe's keys as rules. Block fields are numbers, or texts that
+// every value fills.
+cfg::KeyRules RulesOf(const FieldProbe& probe) {
+  cfg::KeyRules rules;
+  for (const std::string& key : probe.keys()) {
+    cfg::KeyRule rule;
+    rule.key = key;
+    rule.accepts = [&probe, key](std::string_view value) { return probe.Takes(key, value); };
+    rule.expected = "a number";
+    rule.fallback = "the default is kept";
+    rules.push_back(std::move(rule));
+  }
+  return rules;
+}
+
 void CheckBlockFile(const CheckedFile& file, const FieldProbe& probe, Findings* findings) {
-  ForEachFirstSection(file.doc, [&](const cfg::Section& section) {
-    const std::string name(section.name);
-    unsigned long id = 0;
-    if (!blocks::ParseBlockId(section.name, &id)) {
-      findings->push_back(SectionFinding(file, section, false, "unknown-section",
-                                         "section \"" + name + "\" is not a block id; it is "
-                                                               "ignored"));
-      return;
-    }
-    for (const cfg::Entry& entry : section.entries) {
-      const std::string key(entry.key), value(entry.value);
-      if (!probe.Knows(key)) {
-        findings->push_back(KeyFinding(file, entry, false, "unknown-key",
-                                       "unknown key \"" + key + "\" in section \"" + name +
-                                           "\"; it is not read"));
-      } else if (section.Find(entry.key) == &entry && !probe.Takes(key, value)) {
-        findings->push_back(FindingAt(file.relative, file.lines, entry.line, value, false,
-                                      "bad-value",
-                                      "value \"" + value + "\" of " + key +
-                                          " is not a number; the default is kept"));
-      }
-    }
-  });
+  const cfg::KeyRules rules = RulesOf(probe);
+  CheckSectionKeys(
+      file,
+      [&](std::string_view name) -> const cfg::KeyRules* {
+        unsigned long id = 0;
+        return blocks::ParseBlockId(name, &id) ? &rules : nullptr;
+      },
+      [](const std::string& name) {
+        return "section \"" + name + "\" is not a block id; it is ignored";
+      },
+      findings);
 }
 
 }  // namespace

@@ -19,23 +19,16 @@ struct Code {
 
 std::string Quoted(const std::string& text) { return "\"" + text + "\""; }
 
-// The codes of the keys the store reads, in file order; other keys are
-// reported as unknown.
-std::vector<Code> ReadCodes(const CheckedFile& file, const cfg::Section& section,
-                            Findings* findings) {
+// The codes of the keys the store reads, in file order (unknown keys have
+// their finding from the store's key rules).
+std::vector<Code> ReadCodes(const cfg::Section& section) {
   std::vector<Code> codes;
   for (const cfg::Entry& entry : section.entries) {
     const std::string key(entry.key);
     bool known = false;
     for (int i = 1; i <= ExtServiceCodesParams::kCount && !known; ++i)
       known = key == "code_" + std::to_string(i);
-    if (!known) {
-      findings->push_back(KeyFinding(file, entry, false, "unknown-key",
-                                     "unknown key " + Quoted(key) +
-                                         " in section \"service_codes\"; it is not read"));
-      continue;
-    }
-    if (section.Find(entry.key) != &entry) continue;  // only the first of a key is read
+    if (!known || section.Find(entry.key) != &entry) continue;  // only the first of a key is read
     for (const std::string& piece : StringUtils::ParseCommaLine(std::string(entry.value), ','))
       codes.push_back({piece, DialledKeys(piece), &entry});
   }
@@ -76,12 +69,20 @@ void CheckServiceCodes(const std::vector<CheckedFile>& files, Findings* findings
     if (ExtensionKind(file) != "user") continue;
     const cfg::Section* section = file.doc.Find("service_codes");
     if (section == nullptr) continue;
-    const std::vector<Code> codes = ReadCodes(file, *section, findings);
+    const std::vector<Code> codes = ReadCodes(*section);
     // The first code of each key sequence, to look prefixes up in.
     std::map<std::string, const Code*> byKeys;
     for (const Code& code : codes) {
       CheckKeys(file, code, findings);
-      if (!code.keys.empty()) byKeys.emplace(code.keys, &code);
+      if (code.keys.empty()) continue;
+      auto first = byKeys.emplace(code.keys, &code);
+      if (first.second) continue;
+      const Code& other = *first.first->second;
+      findings->push_back(FindingAt(
+          file.relative, file.lines, code.entry->line, code.text, false, "same-code",
+          "service code " + Quoted(code.text) + " of " + std::string(code.entry->key) +
+              " dials the same keys as " + Quoted(other.text) + " of " +
+              std::string(other.entry->key) + ": only one of them can be reached"));
     }
     for (const Code& code : codes) {
       for (size_t length = 1; length < code.keys.size(); ++length) {

@@ -1,14 +1,17 @@
 #ifndef CMCFG_PLATFORM_BASE_FIELD_TABLE_H_
 #define CMCFG_PLATFORM_BASE_FIELD_TABLE_H_
 
+#include <cstddef>
 #include <cstdint>
 #include <list>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <variant>
 #include <vector>
 
 #include "platform/base/document.h"
+#include "platform/base/key_rules.h"
 #include "platform/base/value_codec.h"
 
 namespace cfg {
@@ -67,6 +70,25 @@ void ReadFields(const Section& section, const Fields& fields, Owner* owner) {
 template <typename Owner, typename Fields>
 void WriteFields(const Owner& owner, const Fields& fields, Document* doc, Section* section) {
   for (const Field<Owner>& field : fields) doc->Set(*section, field.key, FormatField(owner, field));
+}
+
+// The rule of one field for checkers: how ParseField takes its text.
+template <typename Owner>
+KeyRule FieldRule(const Field<Owner>& field) {
+  return std::visit(
+      [&](auto member) {
+        using T = std::remove_reference_t<decltype(std::declval<Owner&>().*member)>;
+        return RuleFor<T>(field.key);
+      },
+      field.member);
+}
+
+// The rules of every field of a table, in table order.
+template <typename Owner, size_t N>
+KeyRules FieldRules(const Field<Owner> (&fields)[N]) {
+  KeyRules rules;
+  for (const Field<Owner>& field : fields) rules.push_back(FieldRule(field));
+  return rules;
 }
 
 }  // namespace cfg

@@ -43,6 +43,10 @@ class SettingsAccessor : public SharedAccessor<Owner> {
   // Under Lock as Reload.
   bool Save() { return blocks::SaveFields(path_, fields_, self(), &known_); }
 
+  // The keys the accessor reads from its file, by section, and which
+  // values it takes (for checkers; reads no file).
+  static cfg::SectionRules KeyRules() { return blocks::RulesOf(Owner(std::string()).fields_); }
+
  protected:
   SettingsAccessor(std::string path, blocks::SettingTable<Owner> fields)
       : path_(std::move(path)), fields_(fields) {}

@@ -49,6 +49,15 @@ void ReadSettings(const cfg::Document& doc, SettingTable<Owner> fields, Owner* o
   }
 }
 
+// The keys ReadSettings takes, by section.
+template <typename Owner>
+cfg::SectionRules RulesOf(SettingTable<Owner> fields) {
+  cfg::SectionRules rules;
+  for (const SettingField<Owner>& setting : fields)
+    rules[setting.section].push_back(cfg::FieldRule(setting.field));
+  return rules;
+}
+
 // The value texts of all fields, in table order: what the file holds for
 // them as far as the owner knows. Save compares against it.
 using FieldTexts = std::vector<std::string>;

@@ -2,6 +2,7 @@
 #include <set>
 #include <string>
 
+#include "platform/base/field_table.h"
 #include "platform/base/file_system.h"
 #include "platform/base/value_codec.h"
 #include "platform/extension/extension_rep.h"
@@ -9,6 +10,11 @@
 namespace {
 
 const unsigned kAllServices = 0x3FF;
+
+const cfg::Field<AddressPatternBlock> kContactFields[] = {
+    {"name", &AddressPatternBlock::name},
+    {"call_type", &AddressPatternBlock::callType},
+};
 
 void ResetServices(unsigned mask, SupServAccessor* a) {
   if (mask & 0x001) a->clir = SSClirParams();
@@ -47,6 +53,11 @@ bool extdb::ContactId(std::string_view name, unsigned long* id) {
   return cfg::ParseValue(rest, id);
 }
 
+const cfg::KeyRules& extdb::ContactRules() {
+  static const cfg::KeyRules kRules = cfg::FieldRules(kContactFields);
+  return kRules;
+}
+
 AddressPatternParams::AddressPatternParams() : rep_(new Rep) {}
 
 AddressPatternParams::~AddressPatternParams() = default;
@@ -81,11 +92,10 @@ void AddressPatternParams::Refresh() {
       block = rep_->blocks.back().get();
       block->id = id;
     }
-    const cfg::Entry* name = section.Find("name");
-    block->name = name ? std::string(name->value) : std::string();
+    // A key gone from the file since the last read falls back.
+    block->name.clear();
     block->callType = 0;
-    if (const cfg::Entry* type = section.Find("call_type"))
-      cfg::ParseValue(type->value, &block->callType);
+    cfg::ReadFields(section, kContactFields, block);
     if (id >= rep_->nextId) rep_->nextId = id + 1;
   }
   // Contacts removed from the file go, with their services.

@@ -197,44 +197,107 @@ ExtServiceCodesParams DecodeServiceCodes(const cfg::Document& doc) {
   return block;
 }
 
+// "entry_N = priority,enabled,type,address"; false when a piece does not
+// parse (the entry is skipped).
+bool ParseAccessEntry(std::string_view value, AccessListParams::Entry* out) {
+  size_t comma = value.find(',');
+  if (comma == std::string_view::npos) return false;
+  AccessListParams::Entry entry;
+  if (!ParseValue(value.substr(0, comma), &entry.priority) ||
+      !ParseAddressEntry(value.substr(comma + 1), &entry.address))
+    return false;
+  *out = entry;
+  return true;
+}
+
 AccessListParams DecodeAccessList(const cfg::Document& doc) {
   AccessListParams block;
   block.property = kPropAccessList;
   const cfg::Section* section = SectionOf(doc, kPropAccessList);
   if (section == nullptr) return block;
-  // "entry_N = priority,enabled,type,address"
   ForNumberedKeys(*section, "entry_", [&](std::string_view value) {
-    size_t comma = value.find(',');
-    if (comma == std::string_view::npos) return;
     AccessListParams::Entry entry;
-    if (!ParseValue(value.substr(0, comma), &entry.priority)) return;
-    if (!ParseAddressEntry(value.substr(comma + 1), &entry.address)) return;
-    block.entries.push_back(entry);
+    if (ParseAccessEntry(value, &entry)) block.entries.push_back(entry);
   });
   return block;
 }
 
 const char kSpeedDialPrefix[] = "speed_dial ";
 
+const cfg::Field<SpeedDialBlock> kSpeedDialFields[] = {
+    {"name", &SpeedDialBlock::name},
+    {"calling_code", &SpeedDialBlock::callingCode},
+    {"dest_type", &SpeedDialBlock::destType},
+    {"address", &SpeedDialBlock::address},
+    {"destination", &SpeedDialBlock::destination},
+};
+
+// The id of a "speed_dial ID" section; false for any other name.
+bool SpeedDialId(std::string_view name, unsigned long* id) {
+  const std::string_view prefix = kSpeedDialPrefix;
+  return name.size() > prefix.size() && name.substr(0, prefix.size()) == prefix &&
+         ParseValue(name.substr(prefix.size()), id);
+}
+
 void DecodeSpeedDial(const cfg::Document& doc, Extension::Rep* rep) {
   // Entries handed out before stay alive until the extension goes.
   rep->retiredSpeedDial.splice(rep->retiredSpeedDial.end(), rep->speedDial);
-  const std::string_view kPrefix = kSpeedDialPrefix;
   for (const cfg::Section& section : doc.sections()) {
-    if (section.name.size() <= kPrefix.size() || section.name.substr(0, kPrefix.size()) != kPrefix)
-      continue;
     SpeedDialBlock block;
-    if (!ParseValue(section.name.substr(kPrefix.size()), &block.id)) continue;
-    if (const cfg::Entry* e = section.Find("name")) block.name = std::string(e->value);
-    if (const cfg::Entry* e = section.Find("calling_code")) block.callingCode = std::string(e->value);
-    if (const cfg::Entry* e = section.Find("dest_type")) ParseValue(e->value, &block.destType);
-    if (const cfg::Entry* e = section.Find("address")) block.address = std::string(e->value);
-    if (const cfg::Entry* e = section.Find("destination")) block.destination = std::string(e->value);
+    if (!SpeedDialId(section.name, &block.id)) continue;
+    cfg::ReadFields(section, kSpeedDialFields, &block);
     rep->speedDial.push_back(std::move(block));
   }
 }
 
+// The keys Decode takes from a one-section property's section.
+cfg::KeyRules PropertyRules(unsigned property) {
+  switch (property) {
+    case kPropSipSettings: return cfg::FieldRules(kSipFields);
+    case kPropPersonalInfo: return cfg::FieldRules(kPersonalFields);
+    case kPropServices: return cfg::FieldRules(kServicesFields);
+    case kPropTimeouts: return cfg::FieldRules(kTimeoutsFields);
+    case kPropCodecs: return cfg::FieldRules(kCodecFields);
+    case kPropServiceCodes: {
+      cfg::KeyRules codes;
+      for (int i = 0; i < ExtServiceCodesParams::kCount; ++i)
+        codes.push_back(cfg::RuleFor<std::string>("code_" + std::to_string(i + 1)));
+      return codes;
+    }
+    case kPropPstnAgent: return cfg::FieldRules(kPstnAgentFields);
+    case kPropCallPark: return cfg::FieldRules(kCallParkFields);
+    case kPropAccessList:
+      return {cfg::NumberedRule(
+          "entry_",
+          [](std::string_view value) {
+            AccessListParams::Entry entry;
+            return ParseAccessEntry(value, &entry);
+          },
+          "\"priority,enabled,type,address\"")};
+    case kPropPickupGroup: return cfg::FieldRules(kPickupFields);
+    case kPropBusyRedial: return cfg::FieldRules(kBusyRedialFields);
+    case kPropAutoCall: return cfg::FieldRules(kAutoCallFields);
+    default: return cfg::FieldRules(kAttendantFields);  // both attendant properties
+  }
+}
+
 }  // namespace
+
+const cfg::KeyRules* PropertySectionRules(std::string_view name) {
+  static const cfg::SectionRules kRules = [] {
+    cfg::SectionRules rules;
+    for (const PropertySection& known : kPropertySections)
+      rules[known.name] = PropertyRules(known.property);
+    return rules;
+  }();
+  auto it = kRules.find(name);
+  return it == kRules.end() ? nullptr : &it->second;
+}
+
+const cfg::KeyRules* SpeedDialRules(std::string_view name, unsigned long* id) {
+  static const cfg::KeyRules kRules = cfg::FieldRules(kSpeedDialFields);
+  return SpeedDialId(name, id) ? &kRules : nullptr;
+}
 
 void DecodeProperties(const cfg::Document& doc, unsigned mask, Extension::Rep* rep) {
   // A block that is there is assigned, not replaced, so that pointers

@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "platform/base/document.h"
+#include "platform/base/key_rules.h"
 #include "platform/extension/extension_manager.h"
 
 // Internals shared by the extension library's units.
@@ -54,6 +55,16 @@ void WriteServices(const SupServAccessor& in, unsigned long id, unsigned mask, c
 bool CanWriteServices(const SupServAccessor& in, unsigned mask);
 // Writes a contact's own section (name and call type).
 void WriteContact(const AddressPatternBlock& block, cfg::Document* doc);
+
+// The keys the readers take from each kind of section (section_rules.h
+// puts them together), or nullptr for a name of another kind: a
+// one-section property's section, a "speed_dial ID" section, a contact's
+// own section, and a contact's service section "contact ID SERVICE". *id
+// is set to the entry's or the contact's id.
+const cfg::KeyRules* PropertySectionRules(std::string_view name);
+const cfg::KeyRules* SpeedDialRules(std::string_view name, unsigned long* id);
+const cfg::KeyRules& ContactRules();
+const cfg::KeyRules* ServiceSectionRules(std::string_view name, unsigned long* id);
 
 // Calls visit(value) for the entries of `section` whose key is `prefix`
 // followed by a number ("destination_1", "destination_2", ...), in file

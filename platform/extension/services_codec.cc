@@ -1,6 +1,9 @@
 // The supplementary services of an address-book contact in the extension
 // file: one section per service, "contact ID SERVICE".
+#include <iterator>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "platform/base/field_table.h"
 #include "platform/base/value_codec.h"
@@ -59,15 +62,23 @@ const cfg::Field<SSForwardParams> kForwardFields[] = {{"active", &SSForwardParam
 
 const cfg::Field<SSIntercomParams> kIntercomFields[] = {{"mode", &SSIntercomParams::mode}};
 
+// "target_N = number,ring time"; the ring time may be left out. False for
+// a ring time that is no number: the target is skipped.
+bool ParseHuntTarget(std::string_view value, std::pair<std::string, int32_t>* target) {
+  size_t comma = value.find(',');
+  int32_t ringTime = 0;
+  if (comma != std::string_view::npos && !ParseValue(value.substr(comma + 1), &ringTime))
+    return false;
+  *target = {std::string(value.substr(0, comma)), ringTime};
+  return true;
+}
+
 void ReadHunt(const cfg::Section& section, SSHuntRingingParams* hunt) {
   cfg::ReadFields(section, kHuntFields, hunt);
   hunt->targets.clear();
-  // "target_N = number,ring time"
   ForNumberedKeys(section, "target_", [&](std::string_view value) {
-    size_t comma = value.find(',');
-    int32_t ringTime = 0;
-    if (comma != std::string_view::npos && !ParseValue(value.substr(comma + 1), &ringTime)) return;
-    hunt->targets.emplace_back(std::string(value.substr(0, comma)), ringTime);
+    std::pair<std::string, int32_t> target;
+    if (ParseHuntTarget(value, &target)) hunt->targets.push_back(std::move(target));
   });
 }
 
@@ -139,7 +150,62 @@ void WriteService(const SupServAccessor& in, unsigned bit, cfg::Document* doc,
   }
 }
 
+bool AcceptsAddressEntry(std::string_view value) {
+  AddrInfo info;
+  return ParseAddressEntry(value, &info);
+}
+
+cfg::KeyRules ServiceRules(unsigned bit) {
+  switch (bit) {
+    case 0x001: return cfg::FieldRules(kClirFields);
+    case 0x002:
+    case 0x004: return cfg::FieldRules(kBlockFields);
+    case 0x008: return cfg::FieldRules(kDistRingFields);
+    case 0x010: {
+      cfg::KeyRules rules = cfg::FieldRules(kHuntFields);
+      rules.push_back(cfg::NumberedRule(
+          "target_",
+          [](std::string_view value) {
+            std::pair<std::string, int32_t> target;
+            return ParseHuntTarget(value, &target);
+          },
+          "\"number\" or \"number,ring time\""));
+      return rules;
+    }
+    case 0x020: return cfg::FieldRules(kManyFields);
+    case 0x040:
+    case 0x080:
+    case 0x100: {
+      cfg::KeyRules rules = cfg::FieldRules(kForwardFields);
+      rules.push_back(cfg::RuleFor<std::string>("text"));
+      rules.push_back(cfg::NumberedRule("destination_", AcceptsAddressEntry,
+                                        "\"enabled,type,address\""));
+      return rules;
+    }
+    default: return cfg::FieldRules(kIntercomFields);
+  }
+}
+
 }  // namespace
+
+const cfg::KeyRules* ServiceSectionRules(std::string_view name, unsigned long* contact) {
+  static const std::vector<cfg::KeyRules> kRules = [] {
+    std::vector<cfg::KeyRules> rules;
+    for (const ServiceInfo& s : kServices) rules.push_back(ServiceRules(s.bit));
+    return rules;
+  }();
+  // "contact ID SERVICE", the id written as the writer writes it: the
+  // reader looks the section up by that exact name.
+  const size_t space = name.rfind(' ');
+  unsigned long id = 0;
+  if (space == std::string_view::npos || !ContactId(name.substr(0, space), &id)) return nullptr;
+  for (size_t i = 0; i < std::size(kServices); ++i)
+    if (name == ServiceSection(id, kServices[i].name)) {
+      *contact = id;
+      return &kRules[i];
+    }
+  return nullptr;
+}
 
 std::string ContactSection(unsigned long id) { return "contact " + std::to_string(id); }
 

@@ -36,12 +36,16 @@ bool ParseNumber(std::string_view text, uint32_t* value) {
   return true;
 }
 
-int32_t Int(const cfg::Section& section, std::string_view key, int32_t fallback) {
-  std::string value(section.Get(key));
-  if (value.empty()) return fallback;
+// A number as the line database takes it (C conventions: decimal, "0x"
+// hex or leading-zero octal); false for anything else.
+bool ParseInt(std::string_view text, int32_t* out) {
+  if (text.empty()) return false;
+  const std::string value(text);
   char* end = nullptr;
   long v = std::strtol(value.c_str(), &end, 0);
-  return (*end == '\0' && v >= INT32_MIN && v <= INT32_MAX) ? static_cast<int32_t>(v) : fallback;
+  if (*end != '\0' || v < INT32_MIN || v > INT32_MAX) return false;
+  *out = static_cast<int32_t>(v);
+  return true;
 }
 
 // Reads "KIND G/L" into the endpoint; false for another kind or a bad name.
@@ -70,29 +74,80 @@ bool Settled(const cfg::FileInfo& info) {
   return age >= kUnsettledNanos || age <= -kUnsettledNanos;
 }
 
+// The keys of one kind of entry: at most one text, and numbers that fall
+// back to their default when missing or not a number.
+struct NumberKey {
+  const char* key;
+  int32_t fallback;
+  void (*store)(LineBase* entry, int32_t value);
+};
+
+struct EntryKeys {
+  const char* textKey;  // nullptr when the kind has none
+  std::string LineBase::*text;
+  std::vector<NumberKey> numbers;
+};
+
+const EntryKeys& KeysOf(int type) {
+  static const EntryKeys kKeys[] = {
+      {"extension",
+       &LineBase::extension,
+       {{"presentation_id", 0,
+         [](LineBase* e, int32_t v) { e->presentationId = static_cast<uint32_t>(v); }}}},
+      {nullptr,
+       nullptr,
+       {{"symmetric_rtp", 0, [](LineBase* e, int32_t v) { e->symmetricRtp = v; }},
+        {"disconnect_mode", 0, [](LineBase* e, int32_t v) { e->disconnect[0] = v; }},
+        {"disconnect_min_ms", 0, [](LineBase* e, int32_t v) { e->disconnect[1] = v; }},
+        {"disconnect_max_ms", 0, [](LineBase* e, int32_t v) { e->disconnect[2] = v; }},
+        {"disconnect_delay_s", 5, [](LineBase* e, int32_t v) { e->disconnect[3] = v; }},
+        {"caller_id_type", 0, [](LineBase* e, int32_t v) { e->fxsExtra = v; }},
+        {"rtp_proxy", 0, [](LineBase* e, int32_t v) { e->rtpProxy = v; }}}},
+      {"number", &LineBase::fxoNumber, {{"enabled", 1, [](LineBase* e, int32_t v) {
+                                           e->fxoEnabled = v;
+                                         }}}},
+  };
+  return kKeys[type];
+}
+
 void ReadEntry(const cfg::Section& s, int type, LineBase* entry) {
-  switch (type) {
-    case LineManagerBase::kLineDb:
-      entry->extension = std::string(s.Get("extension"));
-      entry->presentationId = static_cast<uint32_t>(Int(s, "presentation_id", 0));
-      break;
-    case LineManagerBase::kFxsLines:
-      entry->symmetricRtp = Int(s, "symmetric_rtp", 0);
-      entry->disconnect[0] = Int(s, "disconnect_mode", 0);
-      entry->disconnect[1] = Int(s, "disconnect_min_ms", 0);
-      entry->disconnect[2] = Int(s, "disconnect_max_ms", 0);
-      entry->disconnect[3] = Int(s, "disconnect_delay_s", 5);
-      entry->fxsExtra = Int(s, "caller_id_type", 0);
-      entry->rtpProxy = Int(s, "rtp_proxy", 0);
-      break;
-    default:
-      entry->fxoNumber = std::string(s.Get("number"));
-      entry->fxoEnabled = Int(s, "enabled", 1);
-      break;
+  const EntryKeys& keys = KeysOf(type);
+  if (keys.textKey != nullptr) entry->*keys.text = std::string(s.Get(keys.textKey));
+  for (const NumberKey& number : keys.numbers) {
+    int32_t value = number.fallback;
+    if (const cfg::Entry* found = s.Find(number.key)) ParseInt(found->value, &value);
+    number.store(entry, value);
   }
 }
 
 }  // namespace
+
+const cfg::KeyRules* LineSectionRules(std::string_view name) {
+  static const std::vector<cfg::KeyRules> kRules = [] {
+    std::vector<cfg::KeyRules> rules;
+    for (int type = 0; type < 3; ++type) {
+      const EntryKeys& keys = KeysOf(type);
+      cfg::KeyRules& kind = rules.emplace_back();
+      if (keys.textKey != nullptr) kind.push_back(cfg::RuleFor<std::string>(keys.textKey));
+      for (const NumberKey& number : keys.numbers) {
+        cfg::KeyRule rule;
+        rule.key = number.key;
+        rule.accepts = [](std::string_view text) {
+          int32_t value = 0;
+          return ParseInt(text, &value);
+        };
+        rule.expected = "a number";
+        rule.fallback = "the default is kept";
+        kind.push_back(std::move(rule));
+      }
+    }
+    return rules;
+  }();
+  uint32_t gateway = 0, line = 0;
+  for (int type = 0; type < 3; ++type)
+    if (ParseEndpoint(name, type, &gateway, &line)) return &kRules[type];
+  return nullptr;
+}
 
 bool ParseLineEndpoint(std::string_view endpoint, uint32_t* gateway, uint32_t* line) {
   const size_t slash = endpoint.find('/');

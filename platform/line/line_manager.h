@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/base/key_rules.h"
+
 // "No gateway" / "no line".
 inline constexpr uint32_t gUndefinedLine = 0xFFFFFFFFu;
 
@@ -15,6 +17,11 @@ inline constexpr uint32_t gUndefinedLine = 0xFFFFFFFFu;
 // only) into gateway and line; false, and neither set, for anything else.
 // The line database names its sections "KIND G/L".
 bool ParseLineEndpoint(std::string_view endpoint, uint32_t* gateway, uint32_t* line);
+
+// The keys the line database reads from a section named `name` ("binding
+// G/L", "fxs G/L", "fxo G/L") and which values it takes, for checkers;
+// nullptr for a section it never reads. Static and shared; thread-safe.
+const cfg::KeyRules* LineSectionRules(std::string_view name);
 
 // One entry of the line database. Which fields are filled depends on the
 // manager type that read it: the binding (type 0) fills extension and

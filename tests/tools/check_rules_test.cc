@@ -171,10 +171,12 @@ TEST_F(CheckRulesTest, ServiceCodesThatFormNoKeyOrCanNeverBeReached) {
               "code_4 = ab\n"
               "code_21 = *99\n"
               "code_5 = *7\n"
+              "code_6 = *80\n"
+              "code_7 = *80\n"
               "}\n");
   // Attendants have no functional table.
   root_.Write("telephony/extensiondb/attendant/100.cfg",
-              "section service_codes\n{\ncode_1 = x\ncode_30 = 1\n}\n");
+              "section service_codes\n{\ncode_1 = x\ncode_2 = x\n}\n");
   EXPECT_THAT(
       Check(),
       ElementsAre("telephony/extensiondb/user/101.cfg:7: warning: unknown key \"code_21\" in "
@@ -186,6 +188,9 @@ TEST_F(CheckRulesTest, ServiceCodesThatFormNoKeyOrCanNeverBeReached) {
                   "telephony/extensiondb/user/101.cfg:6: warning: service code \"ab\" of code_4 "
                   "forms no key sequence",
                   "code_4 = ab", "         ^",
+                  "telephony/extensiondb/user/101.cfg:10: warning: service code \"*80\" of code_7 "
+                  "dials the same keys as \"*80\" of code_6: only one of them can be reached",
+                  "code_7 = *80", "         ^",
                   "telephony/extensiondb/user/101.cfg:3: warning: service code \"*72\" of code_1 "
                   "can never be reached: \"*7\" of code_5 is dialled before it ends",
                   "code_1 = *72", "         ^",
@@ -253,3 +258,95 @@ TEST_F(CheckRulesTest, ToneValuesThatDoNotReadAsWritten) {
 }
 
 }  // namespace
+
+TEST_F(CheckRulesTest, SettingsFilesReportWhatTheirReadersDoNotTake) {
+  root_.Write("telephony/general.cfg",
+              "section system\n{\nmax_extensions = -1\nmax_extension = 10\n}\n"
+              "section limits\n{\nmax_hold_calls = 70000\n}\n"
+              "section sytem\n{\n}\n");
+  root_.Write("telephony/fxs.cfg", "section fxs\n{\nring_cadence = 1000,long\n}\n");
+  root_.Write("telephony/extensiondb/system.cfg",
+              "section database\n{\nsystem_atendant = 100\n}\n");
+  EXPECT_THAT(
+      Check(),
+      ElementsAre("telephony/general.cfg:3: warning: value \"-1\" of max_extensions is not a "
+                  "number from 0 to 4294967295; the default is kept",
+                  "max_extensions = -1", "                 ^",
+                  "telephony/general.cfg:4: warning: unknown key \"max_extension\" in section "
+                  "\"system\"; it is not read",
+                  "max_extension = 10", "^",
+                  "telephony/general.cfg:8: warning: value \"70000\" of max_hold_calls is not a "
+                  "number from 0 to 65535; the default is kept",
+                  "max_hold_calls = 70000", "                 ^",
+                  "telephony/general.cfg:10: warning: section \"sytem\" is not read; it is ignored",
+                  "section sytem", "        ^",
+                  "telephony/fxs.cfg:3: warning: value \"1000,long\" of ring_cadence is not a list "
+                  "of numbers; the default is kept",
+                  "ring_cadence = 1000,long", "               ^",
+                  "telephony/extensiondb/system.cfg:3: warning: unknown key \"system_atendant\" in "
+                  "section \"database\"; it is not read",
+                  "system_atendant = 100", "^"));
+}
+
+TEST_F(CheckRulesTest, ExtensionSectionsReportWhatTheStoreSkips) {
+  root_.Write(std::string(kUser) + "101.cfg",
+              "section sip\n{\nsip_keepalive = 1\n}\n"                              // 1-4
+              "section busy_redial\n{\ninterval = -5\n}\n"                          // 5-8
+              "section access_list\n{\nentry_1 = 1,1,0,105\nentry_2 = high,1,0,105\n"
+              "entry = 1\n}\n"                                                      // 9-14
+              "section contact 5\n{\nname = 105\n}\n"                               // 15-18
+              "section contact 5 hunting\n{\ntarget_1 = 102,20\ntarget_2 = 103,long\n}\n"
+              "section contact 5 forward_busy\n{\ndestination_1 = 1,0\n}\n"         // 24-27
+              "section contact 5 forward_all\n{\n}\n"                               // 28-30
+              "section contact 05\n{\nname = 106\n}\n"                              // 31-34
+              "section speed_dial 1\n{\ncalling_code = #01\n}\n"                    // 35-38
+              "section speed_dial 0x1\n{\ncalling_code = #02\n}\n");                // 39-42
+  for (const char* other : {"102", "103", "105", "106"})
+    root_.Write(std::string(kUser) + other + ".cfg", "");
+  EXPECT_THAT(
+      Check(),
+      ElementsAre(
+          "telephony/extensiondb/user/101.cfg:3: warning: unknown key \"sip_keepalive\" in "
+          "section \"sip\"; it is not read",
+          "sip_keepalive = 1", "^",
+          "telephony/extensiondb/user/101.cfg:7: warning: value \"-5\" of interval is not a "
+          "number from 0 to 4294967295; the default is kept",
+          "interval = -5", "           ^",
+          "telephony/extensiondb/user/101.cfg:12: warning: value \"high,1,0,105\" of entry_2 is "
+          "not \"priority,enabled,type,address\"; the entry is skipped",
+          "entry_2 = high,1,0,105", "          ^",
+          "telephony/extensiondb/user/101.cfg:13: warning: unknown key \"entry\" in section "
+          "\"access_list\"; it is not read",
+          "entry = 1", "^",
+          "telephony/extensiondb/user/101.cfg:22: warning: value \"103,long\" of target_2 is not "
+          "\"number\" or \"number,ring time\"; the entry is skipped",
+          "target_2 = 103,long", "           ^",
+          "telephony/extensiondb/user/101.cfg:26: warning: value \"1,0\" of destination_1 is not "
+          "\"enabled,type,address\"; the entry is skipped",
+          "destination_1 = 1,0", "                ^",
+          "telephony/extensiondb/user/101.cfg:28: warning: section \"contact 5 forward_all\" is "
+          "not read; it is ignored",
+          "section contact 5 forward_all", "        ^",
+          "telephony/extensiondb/user/101.cfg:31: warning: section \"contact 05\" repeats "
+          "contact 5 of section \"contact 5\" (line 15); it is ignored",
+          "section contact 05", "        ^",
+          "telephony/extensiondb/user/101.cfg:39: warning: section \"speed_dial 0x1\" repeats "
+          "speed dial 1 of section \"speed_dial 1\" (line 35)",
+          "section speed_dial 0x1", "        ^"));
+}
+
+TEST_F(CheckRulesTest, LineDatabaseKeysFollowItsOwnNumberRules) {
+  root_.Write("telephony/gateways.cfg", "section 1\n{\nname = local\n}\n");
+  root_.Write(std::string(kUser) + "101.cfg", "");
+  root_.Write("telephony/linedb",
+              "section binding 1/1\n{\nextension = 101\npresentation_id = first\n}\n"
+              "section fxs 1/1\n{\nrtp_proxy = 0x10\ndisconnect_delay_s = 010\n"
+              "disconect_mode = 1\n}\n");
+  EXPECT_THAT(Check(),
+              ElementsAre("telephony/linedb:4: warning: value \"first\" of presentation_id is not "
+                          "a number; the default is kept",
+                          "presentation_id = first", "                  ^",
+                          "telephony/linedb:10: warning: unknown key \"disconect_mode\" in section "
+                          "\"fxs 1/1\"; it is not read",
+                          "disconect_mode = 1", "^"));
+}

@@ -75,19 +75,20 @@ TEST_F(CheckTest, AnEmptyRootIsClean) {
 }
 
 TEST_F(CheckTest, ParserDiagnosticsAreErrorsWithTheLineAndACaret) {
-  root_.Write("telephony/general.cfg",
+  // A file whose keys nothing checks, so that only the syntax speaks.
+  root_.Write("telephony/dialplan.cfg",
               "section general\n{\nlog_enabled = 1\njust words\n}\n"
               "stray = 1\n"
               "section tail\n{\nx = 1\n");
   EXPECT_EQ(1, Check());
   EXPECT_THAT(Lines(out_.str()),
-              ElementsAre("telephony/general.cfg:4: error: expected 'key = value'",  //
+              ElementsAre("telephony/dialplan.cfg:4: error: expected 'key = value'",  //
                           "just words",                                             //
                           "^",                                                      //
-                          "telephony/general.cfg:6: error: entry outside a section",  //
+                          "telephony/dialplan.cfg:6: error: entry outside a section",  //
                           "stray = 1",                                                 //
                           "^",                                                         //
-                          "telephony/general.cfg:7: error: section is not closed with '}'",
+                          "telephony/dialplan.cfg:7: error: section is not closed with '}'",
                           "section tail",  //
                           "            ^"));
 }

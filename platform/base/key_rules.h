@@ -1,0 +1,78 @@
+#ifndef CMCFG_PLATFORM_BASE_KEY_RULES_H_
+#define CMCFG_PLATFORM_BASE_KEY_RULES_H_
+
+#include <cstdint>
+#include <functional>
+#include <list>
+#include <map>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "platform/base/value_codec.h"
+
+namespace cfg {
+
+// How a reader of the store takes one key of a section: which values it
+// uses and what it does with the others. The readers publish their rules
+// beside their tables, so that a checker reports exactly what the store
+// skips, and follows it when a key is added or retyped.
+struct KeyRule {
+  std::string key;       // the key, or the prefix of numbered keys
+  bool numbered = false;  // matches key + decimal digits ("target_1")
+  // True when the reader uses the value; empty: every text is used.
+  std::function<bool(std::string_view)> accepts;
+  const char* expected = "";  // what a used value is, for messages ("a number")
+  const char* fallback = "";  // what happens to another ("the default is kept")
+};
+
+using KeyRules = std::vector<KeyRule>;
+
+// The rules of a file whose sections have fixed names, by section name.
+using SectionRules = std::map<std::string, KeyRules, std::less<>>;
+
+// The rule of `key` in `rules` (a numbered rule matches its prefix followed
+// by one or more digits), or nullptr when the reader ignores the key.
+const KeyRule* FindKeyRule(const KeyRules& rules, std::string_view key);
+
+// True when the reader uses `value` under `rule`.
+inline bool Accepts(const KeyRule& rule, std::string_view value) {
+  return !rule.accepts || rule.accepts(value);
+}
+
+// The rule of a member of type T read with value_codec.h: numbers must
+// parse as that type (otherwise the member keeps its default), texts and
+// name lists take any value.
+template <typename T>
+KeyRule RuleFor(std::string key) {
+  KeyRule rule;
+  rule.key = std::move(key);
+  rule.fallback = "the default is kept";
+  if constexpr (std::is_same_v<T, std::string> || std::is_same_v<T, std::list<std::string>>) {
+    return rule;
+  } else {
+    rule.accepts = [](std::string_view text) {
+      T value{};
+      return ParseValue(text, &value);
+    };
+    if constexpr (std::is_same_v<T, int32_t>) rule.expected = "a number";
+    if constexpr (std::is_same_v<T, uint32_t>) rule.expected = "a number from 0 to 4294967295";
+    if constexpr (std::is_same_v<T, uint16_t>) rule.expected = "a number from 0 to 65535";
+    if constexpr (std::is_same_v<T, uint8_t>) rule.expected = "a number from 0 to 255";
+    if constexpr (std::is_same_v<T, unsigned long>) rule.expected = "a number from 0 up";
+    if constexpr (std::is_same_v<T, std::vector<unsigned long>>)
+      rule.expected = "a list of numbers";
+    return rule;
+  }
+}
+
+// A rule for numbered keys whose value the reader takes only when
+// `accepts`; the others are skipped (the entry is not read).
+KeyRule NumberedRule(std::string prefix, std::function<bool(std::string_view)> accepts,
+                     const char* expected);
+
+}  // namespace cfg
+
+#endif  // CMCFG_PLATFORM_BASE_KEY_RULES_H_
