@@ -22,6 +22,16 @@ void Explain(CLI::App* verb, const std::string& details, const std::string& stat
   verb->footer(details + "\n\n" + statuses);
 }
 
+// The --edited option of a verb that applies a change the web configuration
+// saved: `what` names the file FILE replaces.
+void AddEditedOption(CLI::App* verb, std::string* edited, const std::string& what) {
+  verb->add_option("--edited", *edited,
+                   "After loading, put FILE in place of " + what +
+                       " (atomically, under its lock) before the call, as the web "
+                       "configuration saves its change")
+      ->check(CLI::ExistingFile);
+}
+
 }  // namespace
 
 WriteBackVerbs::WriteBackVerbs(CLI::App* app) {
@@ -86,11 +96,7 @@ WriteBackVerbs::WriteBackVerbs(CLI::App* app) {
       ->check(CLI::IsMember({"add", "change", "erase"}));
   contactCmd_->add_option("ids", contact_.ids, "Contact identifiers, comma-separated: 3,7")
       ->required();
-  contactCmd_
-      ->add_option("--edited", contact_.edited,
-                   "After loading, put FILE in place of the extension's file (atomically, under "
-                   "its lock) before the call, as the web configuration saves its change")
-      ->check(CLI::ExistingFile);
+  AddEditedOption(contactCmd_, &contact_.edited, "the extension's file");
   AddRootOptions(contactCmd_, &contact_.root, &contact_.logDir);
   Explain(contactCmd_,
           "Does what the call manager does when told that contacts IDS changed: 'add' and "
@@ -112,11 +118,7 @@ WriteBackVerbs::WriteBackVerbs(CLI::App* app) {
   portCmd_->add_option("line", port_.lineId, "FXS line on that gateway")
       ->required()
       ->check(CLI::NonNegativeNumber);
-  portCmd_
-      ->add_option("--edited", port_.edited,
-                   "After loading, put FILE in place of telephony/linedb (atomically, under its "
-                   "lock) before the call, as the web configuration saves its change")
-      ->check(CLI::ExistingFile);
+  AddEditedOption(portCmd_, &port_.edited, "telephony/linedb");
   AddRootOptions(portCmd_, &port_.root, &port_.logDir);
   Explain(portCmd_,
           "Does what the call manager does when told that port MG{GATEWAY}<LINE> has a new "
