@@ -27,13 +27,8 @@ const char kUser[] = "telephony/extensiondb/user/";
 // `cmcfg check` as typed, down to the exit status.
 class CheckTest : public ::testing::Test {
  protected:
-  int Run(std::vector<std::string> args) {
-    args.insert(args.begin(), "cmcfg");
-    std::vector<const char*> argv;
-    for (const std::string& arg : args) argv.push_back(arg.c_str());
-    out_.str("");
-    err_.str("");
-    return cmcfg_tool::RunCommandLine(static_cast<int>(argv.size()), argv.data(), out_, err_);
+  int Run(const std::vector<std::string>& args) {
+    return tool_testing::RunCmcfg(args, out_, err_);
   }
   int Check() { return Run({"check", "--root", root_.path()}); }
 

@@ -91,11 +91,7 @@ class InspectionTest : public ::testing::Test {
   std::string Cache() const { return root_.Path("telephony/external_user_cache_db"); }
 
   int Run(const std::vector<std::string>& args) {
-    std::vector<const char*> argv{"cmcfg"};
-    for (const std::string& arg : args) argv.push_back(arg.c_str());
-    out_.str("");
-    err_.str("");
-    return cmcfg_tool::RunCommandLine(static_cast<int>(argv.size()), argv.data(), out_, err_);
+    return tool_testing::RunCmcfg(args, out_, err_);
   }
 
   SavedEnv tmpdir_{"TMPDIR"};

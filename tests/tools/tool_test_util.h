@@ -6,7 +6,20 @@
 #include <string>
 #include <vector>
 
+#include "tools/cli.h"
+
 namespace tool_testing {
+
+// Runs "cmcfg ARGS" as a user types it, after emptying `out` and `err`;
+// returns the exit status.
+inline int RunCmcfg(const std::vector<std::string>& args, std::ostringstream& out,
+                    std::ostringstream& err) {
+  std::vector<const char*> argv{"cmcfg"};
+  for (const std::string& arg : args) argv.push_back(arg.c_str());
+  out.str("");
+  err.str("");
+  return cmcfg_tool::RunCommandLine(static_cast<int>(argv.size()), argv.data(), out, err);
+}
 
 // The bundled example configuration of the source tree.
 inline std::string Examples() { return CMCFG_EXAMPLES_DIR; }

@@ -29,16 +29,11 @@ class WriteBackVerbsTest : public ::testing::Test {
 
   // "cmcfg ARGS --root COPY --log-dir COPY".
   int Run(std::vector<std::string> args) {
-    args.insert(args.begin(), "cmcfg");
     for (const char* option : {"--root", "--log-dir"}) {
       args.push_back(option);
       args.push_back(root_.path());
     }
-    std::vector<const char*> argv;
-    for (const std::string& arg : args) argv.push_back(arg.c_str());
-    out_.str("");
-    err_.str("");
-    return cmcfg_tool::RunCommandLine(static_cast<int>(argv.size()), argv.data(), out_, err_);
+    return tool_testing::RunCmcfg(args, out_, err_);
   }
   std::string Out() const { return out_.str(); }
   std::string Err() const { return err_.str(); }
