@@ -15,6 +15,7 @@
 #include "cmcfg/cm_agent.h"
 #include "tools/check.h"
 #include "tools/dump.h"
+#include "tests/support/agent_support.h"
 
 namespace {
 
@@ -43,8 +44,7 @@ void BM_InspectStartup(benchmark::State& state) {
     std::unique_ptr<CMAgent> agent(new CMAgent);
     agent->Destroy();
     // What the call manager does at shutdown: the records are the caller's.
-    for (size_t i = 0; i < agent->extensionBase.size(); ++i) agent->EraseExtension(i, true, false);
-    while (!agent->attendants.empty()) agent->EraseAttendant(agent->attendants.size() - 1);
+    testing_support::ReleaseTables(*agent);
   }
 }
 

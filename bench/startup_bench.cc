@@ -20,6 +20,7 @@
 
 #include "bench/root_generator.h"
 #include "cmcfg/cm_agent.h"
+#include "tests/support/agent_support.h"
 
 namespace {
 
@@ -43,13 +44,6 @@ size_t LoadedExtensions(const CMAgent& agent) {
   size_t n = 0;
   for (const ExtensionData* record : agent.extensionBase) n += record != nullptr;
   return n;
-}
-
-// The agent leaves its records to the caller; this is what the call
-// manager does when it shuts down.
-void ReleaseTables(CMAgent& agent) {
-  for (size_t i = 0; i < agent.extensionBase.size(); ++i) agent.EraseExtension(i, true, false);
-  while (!agent.attendants.empty()) agent.EraseAttendant(agent.attendants.size() - 1);
 }
 
 const ExtensionData* Find(const CMAgent& agent, const std::string& name) {
@@ -93,7 +87,7 @@ void BM_Startup(benchmark::State& state) {
     const bool ok = LoadedAll(state, *agent, users) &&
                     (checked || ProfileComplete(state, *agent, users));
     checked = true;
-    ReleaseTables(*agent);
+    testing_support::ReleaseTables(*agent);
     agent.reset();
     seconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     if (!ok) return;
@@ -229,7 +223,7 @@ struct LoadedAgent {
   std::unique_ptr<CMAgent> agent;
   ~LoadedAgent() { Reset(); }
   void Reset() {
-    if (agent) ReleaseTables(*agent);
+    if (agent) testing_support::ReleaseTables(*agent);
     agent.reset();
     users = -1;
   }

@@ -18,6 +18,7 @@
 #include "bench/root_generator.h"
 #include "cmcfg/cm_agent.h"
 #include "platform/base/file_system.h"
+#include "tests/support/agent_support.h"
 
 namespace {
 
@@ -34,10 +35,7 @@ struct WritableRoot {
   std::string original;  // its contents, put back before every run
 
   ~WritableRoot() {
-    if (agent) {
-      for (size_t i = 0; i < agent->extensionBase.size(); ++i) agent->EraseExtension(i, true, false);
-      while (!agent->attendants.empty()) agent->EraseAttendant(agent->attendants.size() - 1);
-    }
+    if (agent) testing_support::ReleaseTables(*agent);
     std::error_code ec;
     if (!dir.empty()) fs::remove_all(dir, ec);
   }

@@ -9,6 +9,7 @@
 
 #include "cmcfg/cm_agent.h"
 #include "tests/fuzz/fuzz_support.h"
+#include "tests/support/agent_support.h"
 
 namespace {
 
@@ -16,28 +17,9 @@ using fuzz_support::FuzzRoot;
 
 FuzzRoot* root = nullptr;
 
-// Every runtime database named, so that the load has no default name to
-// save back: a save is flushed to disk, which would make each input cost a
-// few disk syncs instead of a fraction of a millisecond.
-const char kPaths[] =
-    "section paths\n{\n"
-    "external_user_cache_file = external_user_cache_db\n"
-    "reg_status_file = reg_status_file\n"
-    "cdr_stated_db = CDR_db\n"
-    "cdr_missed_db = missed_calls_db\n"
-    "cdr_failed_db = unsuccess_calls_db\n"
-    "}\n";
-
 // What the agent holds beyond the load's NULL slots: at most the one user
 // extension and the attendants a root without attendant files can have.
 const size_t kMaxLoaded = 1;
-
-// Erases every record, as the call manager does at shutdown (the agent
-// leaves them to its caller; the leak check would count a forgotten one).
-void ReleaseTables(CMAgent& agent) {
-  for (size_t i = 0; i < agent.extensionBase.size(); ++i) agent.EraseExtension(i, true, false);
-  while (!agent.attendants.empty()) agent.EraseAttendant(agent.attendants.size() - 1);
-}
 
 }  // namespace
 
@@ -59,7 +41,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   root->Write("telephony/linedb", files[1]);
   root->Write("telephony/general.cfg", files[2]);
   root->Write("telephony/gateways.cfg", files[3]);
-  root->Write("telephony/paths.cfg", kPaths);
+  root->Write("telephony/paths.cfg", testing_support::kAllRuntimePaths);
 
   CMAgent* agent = new CMAgent;
   FUZZ_CHECK(agent->baseCapacity <= (1u << 20));
@@ -72,7 +54,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   }
   FUZZ_CHECK(loaded <= kMaxLoaded);
   agent->Destroy();
-  ReleaseTables(*agent);
+  testing_support::ReleaseTables(*agent);
   delete agent;
   return 0;
 }

@@ -27,22 +27,12 @@
 #include "platform/base/document.h"
 #include "platform/base/file_system.h"
 #include "tests/support/agent_fixture.h"
+#include "tests/support/agent_support.h"
 
 namespace {
 
 using testing_support::ReleaseTables;
 using testing_support::TempRoot;
-
-// Every runtime database named, so that constructing an agent saves
-// nothing back: only the writes under test touch the files.
-const char kPaths[] =
-    "section paths\n{\n"
-    "external_user_cache_file = external_user_cache_db\n"
-    "reg_status_file = reg_status_file\n"
-    "cdr_stated_db = CDR_db\n"
-    "cdr_missed_db = missed_calls_db\n"
-    "cdr_failed_db = unsuccess_calls_db\n"
-    "}\n";
 
 const char kUser[] =
     "section contact 1\n{\nname = *\ncall_type = 0\n}\n"
@@ -238,7 +228,7 @@ int KillsFromEnvironment() {
 class WriteBackCrashTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    root_.Write("telephony/paths.cfg", kPaths);
+    root_.Write("telephony/paths.cfg", testing_support::kAllRuntimePaths);
     // The next writer must get the lock well within this.
     cfg::SetLockTimeout(std::chrono::milliseconds(2000));
   }

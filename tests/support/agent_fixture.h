@@ -4,16 +4,10 @@
 #include <memory>
 
 #include "cmcfg/cm_agent.h"
+#include "tests/support/agent_support.h"
 #include "tests/support/temp_root.h"
 
 namespace testing_support {
-
-// Erases every record of the agent's tables: the agent leaves them to its
-// caller, and the sanitizer run counts a forgotten one as a leak.
-inline void ReleaseTables(CMAgent& agent) {
-  for (size_t i = 0; i < agent.extensionBase.size(); ++i) agent.EraseExtension(i, true, false);
-  while (!agent.attendants.empty()) agent.EraseAttendant(agent.attendants.size() - 1);
-}
 
 // A test over its own configuration root: write the files, then Start()
 // constructs the agent over them.
