@@ -198,9 +198,12 @@ const cfg::KeyRules* ServiceSectionRules(std::string_view name, unsigned long* c
   // reader looks the section up by that exact name.
   const size_t space = name.rfind(' ');
   unsigned long id = 0;
-  if (space == std::string_view::npos || !ContactId(name.substr(0, space), &id)) return nullptr;
+  if (space == std::string_view::npos || !ContactId(name.substr(0, space), &id) ||
+      name.substr(0, space) != ContactSection(id))
+    return nullptr;
+  const std::string_view service = name.substr(space + 1);
   for (size_t i = 0; i < std::size(kServices); ++i)
-    if (name == ServiceSection(id, kServices[i].name)) {
+    if (service == kServices[i].name) {
       *contact = id;
       return &kRules[i];
     }
