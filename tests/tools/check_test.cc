@@ -255,7 +255,11 @@ TEST_F(CheckTest, OneMistakeOfEachKindInACopyOfTheExample) {
                      {"section busy_redial\n{\n", "section busy_redial\n{\ninterval 45\n"},
                      {"section auto_call", "section timeouts\n{\n}\n\nsection auto_call"},
                      {"code_1 = *72", "code_1 = *7a2"},
-                     {"code_5 = *91", "code_5 = *901"}});
+                     {"code_5 = *91", "code_5 = *901"},
+                     {"code_7 = *67", "code_7 = *80"},
+                     {"display_name = Ines Costa", "displayname = Ines Costa"}});
+  const std::string general = edit("telephony/general.cfg",
+                                   {{"max_extensions = 64", "max_extensions = 64 slots"}});
   root_.Write(std::string(kUser) + "a..b.cfg", "");
   const std::string gateways = edit("telephony/gateways.cfg",
                                     {{"type = 2", "type = remote"}, {"name = warehouse", "label = x"}});
@@ -286,6 +290,11 @@ TEST_F(CheckTest, OneMistakeOfEachKindInACopyOfTheExample) {
               ": warning: unknown key \"label\" in section \"2\"; it is not read",
           "telephony/gateways.cfg:" + lineOf(gateways, "type = remote") +
               ": warning: value \"remote\" of type is not a number; the default is kept",
+          "telephony/general.cfg:" + lineOf(general, "64 slots") +
+              ": warning: value \"64 slots\" of max_extensions is not a number from 0 to "
+              "4294967295; the default is kept",
+          at + lineOf(text109, "displayname") +
+              ": warning: unknown key \"displayname\" in section \"sip\"; it is not read",
           "telephony/linedb:" + lineOf(linedb, "binding 9/7") +
               ": warning: gateway 9 of \"binding 9/7\" is not in telephony/gateways.cfg; the "
               "extension is not bound",
@@ -294,6 +303,9 @@ TEST_F(CheckTest, OneMistakeOfEachKindInACopyOfTheExample) {
               "reads as 2",
           at + lineOf(text109, "*7a2") + ": warning: service code \"*7a2\" of code_1 holds "
                                          "\"a\", which forms no key; it is dialled as \"*72\"",
+          at + lineOf(text109, "code_7") + ": warning: service code \"*80\" of code_7 dials the "
+                                           "same keys as \"*80\" of code_6: only one of them "
+                                           "can be reached",
           at + lineOf(text109, "*901") + ": warning: service code \"*901\" of code_5 can never "
                                          "be reached: \"*90\" of code_4 is dialled before it ends",
           tones + ":" + lineOf(toneText, "425Hz") +
