@@ -1,9 +1,10 @@
 #include "tools/dump.h"
 
+#include <algorithm>
 #include <filesystem>
-#include <initializer_list>
 #include <ostream>
 #include <utility>
+#include <vector>
 
 #include "cmcfg/cm_agent.h"
 #include "cmcfg/tone_type.h"
@@ -26,7 +27,7 @@ ordered_json ExternalUsersJson(const std::string& file, const std::list<External
                     {"host", u.host},
                     {"port", u.port},
                     {"registered", u.registrationTime}});
-  return {{"file", file}, {"users", list}};
+  return {{"file", file}, {"users", std::move(list)}};
 }
 
 ordered_json GeneralJson(const CMAgent& agent) {
@@ -44,7 +45,7 @@ ordered_json GeneralJson(const CMAgent& agent) {
           {"pstn_agent_type", g.pstnAgentType},
           {"max_external_users", g.maxExternalUsers},
           {"external_user_expiry", g.externalUserExpiry},
-          {"shared_extensions", shared},
+          {"shared_extensions", std::move(shared)},
           {"max_hold_calls", g.maxHoldCalls},
           {"max_conference_parties", g.maxConferenceParties},
           {"max_parked_calls", g.maxParkedCalls},
@@ -94,29 +95,218 @@ ordered_json CallRecordsJson(const CDRData& c) {
           {"failed", database(c.failedPath, c.failedRecords, c.failedFiles)}};
 }
 
-// The record with `first` in that order ahead of any other key; the
-// members below stay in nlohmann::json's sorted order.
-ordered_json InOrder(const json& record, std::initializer_list<const char*> first) {
+// The keys a record shows first, in this order; any other key follows in
+// nlohmann::json's sorted order.
+using KeyOrder = std::vector<const char*>;
+
+const KeyOrder& ExtensionKeys() {
+  static const KeyOrder keys = {
+      "name",        "type",         "description",      "sip",        "personal",     "services",
+      "line",        "media",        "functional_table", "speed_dial", "address_book", "pstn",
+      "access_list", "group_members"};
+  return keys;
+}
+
+const KeyOrder& AttendantKeys() {
+  static const KeyOrder keys = {"name",    "type",  "system_attendant", "sip", "personal",
+                                "console", "media", "codec_option"};
+  return keys;
+}
+
+// The members of an object record in the order the dump shows them.
+std::vector<json::const_iterator> OrderedMembers(const json& record, const KeyOrder& first) {
+  std::vector<json::const_iterator> members;
+  members.reserve(record.size());
+  for (const char* key : first) {
+    const auto it = record.find(key);
+    if (it != record.end()) members.push_back(it);
+  }
+  for (auto it = record.begin(); it != record.end(); ++it) {
+    const bool listed =
+        std::any_of(first.begin(), first.end(), [&](const char* key) { return it.key() == key; });
+    if (!listed) members.push_back(it);
+  }
+  return members;
+}
+
+ordered_json InOrder(const json& record, const KeyOrder& first) {
   ordered_json ordered = ordered_json::object();
-  for (const char* key : first)
-    if (record.contains(key)) ordered[key] = ToOrdered(record[key]);
-  for (auto it = record.begin(); it != record.end(); ++it)
-    if (!ordered.contains(it.key())) ordered[it.key()] = ToOrdered(it.value());
+  for (const json::const_iterator& it : OrderedMembers(record, first))
+    ordered[it.key()] = ToOrdered(it.value());
   return ordered;
 }
 
-ordered_json ExtensionRecord(const ExtensionData& e) {
-  return InOrder(ExtensionJson(e),
-                 {"name", "type", "description", "sip", "personal", "services", "line", "media",
-                  "functional_table", "speed_dial", "address_book", "pstn", "access_list",
-                  "group_members"});
+bool IsSystemAttendant(const CMAgent& agent, const Attendant& a) {
+  const Attendant* system = agent.generalData.sysAttendant;
+  return system != nullptr && system->name == a.name;
 }
 
-ordered_json AttendantRecord(const Attendant& a, bool systemAttendant) {
-  return InOrder(AttendantJson(a, systemAttendant),
-                 {"name", "type", "system_attendant", "sip", "personal", "console", "media",
-                  "codec_option"});
+// Receives the dump's top-level members in the documented order. The two
+// long arrays arrive one record at a time, so a receiver that writes them
+// out never holds more than one record.
+class DumpSink {
+ public:
+  virtual ~DumpSink() = default;
+  virtual void Member(const char* key, ordered_json value) = 0;
+  virtual void BeginArray(const char* key) = 0;
+  // One element of the open array: `record` with `first` ahead of its
+  // other keys.
+  virtual void Record(const json& record, const KeyOrder& first) = 0;
+  virtual void EndArray() = 0;
+};
+
+// The one description of the dump's content and order; DumpJson and
+// WriteDumpJson differ only in the sink.
+void Produce(const CMAgent& agent, DumpSink& sink) {
+  const GeneralData& g = agent.generalData;
+  const size_t empty = static_cast<size_t>(
+      std::count(agent.extensionBase.begin(), agent.extensionBase.end(), nullptr));
+  sink.Member("extension_table", {{"slots", agent.extensionBase.size()}, {"empty_slots", empty}});
+  sink.BeginArray("extensions");
+  for (const ExtensionData* e : agent.extensionBase)
+    if (e != nullptr) sink.Record(ExtensionJson(*e), ExtensionKeys());
+  sink.EndArray();
+  sink.BeginArray("attendants");
+  for (const Attendant* a : agent.attendants)
+    if (a != nullptr) sink.Record(AttendantJson(*a, IsSystemAttendant(agent, *a)), AttendantKeys());
+  sink.EndArray();
+  // The system attendant in full: it may be a record of its own, not one of
+  // the attendants.
+  sink.Member("system_attendant",
+              g.sysAttendant ? InOrder(AttendantJson(*g.sysAttendant, true), AttendantKeys())
+                             : ordered_json(nullptr));
+  sink.Member("general", GeneralJson(agent));
+  sink.Member("system_messages", agent.sysMessageNames);
+  sink.Member("call_records", CallRecordsJson(g.cdr));
+  sink.Member("external_user_cache", ExternalUsersJson(g.externalUserCacheDb, g.externalUserCache));
+  sink.Member("external_users", ExternalUsersJson(g.externalUserDb, g.externalUsers));
+  ordered_json phones = ordered_json::array();
+  for (const AuthorizedPhonesData& p : g.authorizedPhones)
+    phones.push_back({{"address", p.phoneAddress},
+                      {"type", p.phoneType},
+                      {"extension", p.extension},
+                      {"user", p.userName},
+                      {"lines", p.lineCount},
+                      {"permissions", p.permissions},
+                      {"login_time", p.loginTime}});
+  sink.Member("auto_login", std::move(phones));
+  ordered_json tones = ordered_json::array();
+  for (int t = 0; t < kDeviceToneCount; ++t) {
+    const ToneType& tone = agent.toneTypes[t];
+    tones.push_back({{"name", DeviceToneNames[t]},
+                     {"pattern", tone.pattern},
+                     {"mode", tone.mode},
+                     {"frequency", {tone.frequency_1, tone.frequency_2}},
+                     {"level", {tone.tone_level_1, tone.tone_level_2}},
+                     {"wav", tone.is_play_wav_on}});
+  }
+  sink.Member("tones", std::move(tones));
 }
+
+// Builds the whole document.
+class DocumentSink : public DumpSink {
+ public:
+  void Member(const char* key, ordered_json value) override { doc_[key] = std::move(value); }
+  void BeginArray(const char* key) override {
+    key_ = key;
+    array_ = ordered_json::array();
+  }
+  void Record(const json& record, const KeyOrder& first) override {
+    array_.push_back(InOrder(record, first));
+  }
+  void EndArray() override { doc_[key_] = std::move(array_); }
+
+  ordered_json Take() { return std::move(doc_); }
+
+ private:
+  ordered_json doc_ = ordered_json::object();
+  std::string key_;
+  ordered_json array_;
+};
+
+// A value as JsonText prints it, without the newline: indented by two when
+// `indent` is 2, on one line when it is -1.
+template <typename Json>
+std::string Dumped(const Json& value, int indent) {
+  return value.dump(indent, ' ', false, Json::error_handler_t::replace);
+}
+
+// Appends `text`, a value dumped at the outermost level, as it reads
+// `depth` spaces deep: every line after its first moves right. A dumped
+// string holds its newlines escaped, so each raw one is the dump's own.
+void AppendIndented(std::string* out, const std::string& text, size_t depth) {
+  size_t from = 0;
+  for (size_t nl = text.find('\n'); nl != std::string::npos; nl = text.find('\n', from)) {
+    out->append(text, from, nl + 1 - from);
+    out->append(depth, ' ');
+    from = nl + 1;
+  }
+  out->append(text, from, std::string::npos);
+}
+
+// Writes the document as JsonText would print it, member by member and
+// record by record; a record is written straight from its nlohmann::json
+// form, whose nested keys are already in the order the dump shows them.
+class StreamSink : public DumpSink {
+ public:
+  explicit StreamSink(std::ostream& out) : out_(out) { out_ << "{"; }
+  void Member(const char* key, ordered_json value) override {
+    AppendKey(Separator(&members_), key, kIndent);
+    AppendIndented(&buffer_, Dumped(value, 2), kIndent);
+    Flush();
+  }
+  void BeginArray(const char* key) override {
+    AppendKey(Separator(&members_), key, kIndent);
+    buffer_ += '[';
+    elements_ = 0;
+  }
+  void Record(const json& record, const KeyOrder& first) override {
+    buffer_ += Separator(&elements_);
+    buffer_.append(2 * kIndent, ' ');
+    AppendRecord(record, first, 2 * kIndent);
+    Flush();
+  }
+  void EndArray() override {
+    if (elements_ != 0) buffer_.append("\n").append(kIndent, ' ');
+    buffer_ += ']';
+    Flush();
+  }
+  void Finish() { out_ << "\n}\n"; }
+
+ private:
+  static constexpr size_t kIndent = 2;
+
+  // What goes ahead of an item: a comma unless it is the first; counts it.
+  static const char* Separator(size_t* count) { return (*count)++ == 0 ? "\n" : ",\n"; }
+  // `separator`, then `"key": ` on a line of its own `depth` deep.
+  void AppendKey(const char* separator, const std::string& key, size_t depth) {
+    buffer_.append(separator).append(depth, ' ');
+    buffer_ += Dumped(json(key), -1) + ": ";
+  }
+  void AppendRecord(const json& record, const KeyOrder& first, size_t depth) {
+    if (record.empty()) {
+      buffer_ += "{}";
+      return;
+    }
+    buffer_ += "{";
+    const char* separator = "\n";
+    for (const json::const_iterator& it : OrderedMembers(record, first)) {
+      AppendKey(separator, it.key(), depth + kIndent);
+      AppendIndented(&buffer_, Dumped(it.value(), 2), depth + kIndent);
+      separator = ",\n";
+    }
+    buffer_.append("\n").append(depth, ' ') += '}';
+  }
+  void Flush() {
+    out_ << buffer_;
+    buffer_.clear();
+  }
+
+  std::ostream& out_;
+  std::string buffer_;  // the piece being written, reused
+  size_t members_ = 0;
+  size_t elements_ = 0;
+};
 
 }  // namespace
 
@@ -141,66 +331,20 @@ ordered_json ToOrdered(const json& value) {
   return nullptr;
 }
 
-std::string JsonText(const json& value) {
-  return value.dump(2, ' ', false, json::error_handler_t::replace) + "\n";
-}
+std::string JsonText(const json& value) { return Dumped(value, 2) + "\n"; }
 
-std::string JsonText(const ordered_json& value) {
-  return value.dump(2, ' ', false, ordered_json::error_handler_t::replace) + "\n";
-}
+std::string JsonText(const ordered_json& value) { return Dumped(value, 2) + "\n"; }
 
 ordered_json DumpJson(const CMAgent& agent) {
-  const GeneralData& g = agent.generalData;
-  ordered_json doc = ordered_json::object();
-  size_t empty = 0;
-  ordered_json extensions = ordered_json::array();
-  for (const ExtensionData* e : agent.extensionBase) {
-    if (e == nullptr) {
-      ++empty;
-      continue;
-    }
-    extensions.push_back(ExtensionRecord(*e));
-  }
-  doc["extension_table"] = {{"slots", agent.extensionBase.size()}, {"empty_slots", empty}};
-  doc["extensions"] = std::move(extensions);
-  ordered_json attendants = ordered_json::array();
-  for (const Attendant* a : agent.attendants) {
-    if (a == nullptr) continue;
-    attendants.push_back(
-        AttendantRecord(*a, g.sysAttendant != nullptr && g.sysAttendant->name == a->name));
-  }
-  doc["attendants"] = std::move(attendants);
-  // The system attendant in full: it may be a record of its own, not one of
-  // the attendants.
-  doc["system_attendant"] =
-      g.sysAttendant ? AttendantRecord(*g.sysAttendant, true) : ordered_json(nullptr);
-  doc["general"] = GeneralJson(agent);
-  doc["system_messages"] = agent.sysMessageNames;
-  doc["call_records"] = CallRecordsJson(g.cdr);
-  doc["external_user_cache"] = ExternalUsersJson(g.externalUserCacheDb, g.externalUserCache);
-  doc["external_users"] = ExternalUsersJson(g.externalUserDb, g.externalUsers);
-  ordered_json phones = ordered_json::array();
-  for (const AuthorizedPhonesData& p : g.authorizedPhones)
-    phones.push_back({{"address", p.phoneAddress},
-                      {"type", p.phoneType},
-                      {"extension", p.extension},
-                      {"user", p.userName},
-                      {"lines", p.lineCount},
-                      {"permissions", p.permissions},
-                      {"login_time", p.loginTime}});
-  doc["auto_login"] = std::move(phones);
-  ordered_json tones = ordered_json::array();
-  for (int t = 0; t < kDeviceToneCount; ++t) {
-    const ToneType& tone = agent.toneTypes[t];
-    tones.push_back({{"name", DeviceToneNames[t]},
-                     {"pattern", tone.pattern},
-                     {"mode", tone.mode},
-                     {"frequency", {tone.frequency_1, tone.frequency_2}},
-                     {"level", {tone.tone_level_1, tone.tone_level_2}},
-                     {"wav", tone.is_play_wav_on}});
-  }
-  doc["tones"] = std::move(tones);
-  return doc;
+  DocumentSink sink;
+  Produce(agent, sink);
+  return sink.Take();
+}
+
+void WriteDumpJson(const CMAgent& agent, std::ostream& out) {
+  StreamSink sink(out);
+  Produce(agent, sink);
+  sink.Finish();
 }
 
 std::string ExtensionFileCount(const std::string& root) {
@@ -221,12 +365,13 @@ std::string ExtensionFileCount(const std::string& root) {
 int RunDump(const DumpOptions& options, std::ostream& out, std::ostream& err) {
   const std::string root = ResolveRoot(options.root);
   if (!RootIsUsable(root, err)) return 2;
-  ordered_json doc;
-  {
-    AgentSession session(root, options.logDir, Access::kInspect, &err);
-    doc = DumpJson(session.agent());
+  AgentSession session(root, options.logDir, Access::kInspect, &err);
+  WriteDumpJson(session.agent(), out);
+  // A full disk must not pass for a complete dump.
+  if (!out.flush()) {
+    err << "cmcfg: cannot write the dump\n";
+    return 1;
   }
-  out << JsonText(doc);
   return 0;
 }
 

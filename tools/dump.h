@@ -31,14 +31,21 @@ std::string JsonText(const nlohmann::ordered_json& value);
 // --json" gives it, the attendants, the system attendant, the general
 // data, the system messages, call records, external users, auto-login
 // phones and tones. Passwords appear only as whether they are set.
+// Holds the whole document: for comparing roots, not for printing a large
+// one.
 nlohmann::ordered_json DumpJson(const CMAgent& agent);
+
+// Prints DumpJson(agent) to out exactly as JsonText would, but one record at
+// a time: memory stays at one record's JSON whatever the root's size. The
+// agent must stay loaded until it returns.
+void WriteDumpJson(const CMAgent& agent, std::ostream& out);
 
 // The number of extension and attendant files under the root's extension
 // database, "1,234" style.
 std::string ExtensionFileCount(const std::string& root);
 
-// "cmcfg dump": 0 when printed, 2 (one line on err) when the root is not
-// usable.
+// "cmcfg dump": 0 when printed (through WriteDumpJson), 2 (one line on err)
+// when the root is not usable.
 int RunDump(const DumpOptions& options, std::ostream& out, std::ostream& err);
 
 }  // namespace cmcfg_tool

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <iomanip>
 #include <ostream>
+#include <utility>
 #include <vector>
 
 #include "cmcfg/cm_agent.h"
@@ -310,41 +311,60 @@ void PrintContact(const AddressBookEntry& entry, std::ostream& out) {
   PrintForward("forward busy", s.forwardBusy, out);
 }
 
+// The address book is most of a dump, so its records are built member by
+// member: a pair of an initializer list is a temporary array of its own.
+
 json ForwardJson(const ForwardData& f) {
-  json destinations = json::array();
+  json j = json::object();
+  j["active"] = f.active;
+  j["text"] = f.text;
+  json& destinations = j["destinations"] = json::array();
   for (const ForwardParams& d : f.destinations) destinations.push_back(DestinationJson(d));
-  return {{"active", f.active}, {"text", f.text}, {"destinations", destinations}};
+  return j;
+}
+
+json BlockingJson(const CallBlockingData& b) {
+  json j = json::object();
+  j["active"] = b.active;
+  j["mode"] = b.blockMode;
+  return j;
 }
 
 json ContactJson(const AddressBookEntry& entry) {
   const Contact& c = entry.first;
   const SupServiceSet& s = entry.second;
-  json hunt = json::array();
-  for (const HuntRingTarget& t : s.hunt.targets)
-    hunt.push_back({{"number", t.number}, {"ring_time", t.value}});
-  return {{"name", c.name},
-          {"id", c.id},
-          {"call_type", CallTypeName(c.callType)},
-          {"armed", s.IsArmed(false)},
-          {"armed_any", s.IsArmed(true)},
-          {"active", ActiveServices(s)},
-          {"clir", s.clir.active},
-          {"incoming_blocking",
-           {{"active", s.incomingBlocking.active}, {"mode", s.incomingBlocking.blockMode}}},
-          {"outgoing_blocking",
-           {{"active", s.outgoingBlocking.active}, {"mode", s.outgoingBlocking.blockMode}}},
-          {"distinctive_ringing",
-           {{"active", s.distRinging.active},
-            {"ring_name", s.distRinging.ringName},
-            {"pattern", s.distRinging.pattern},
-            {"cadence", s.distRinging.cadence}}},
-          {"hunting", {{"active", s.hunt.active}, {"mode", s.hunt.huntMode}, {"targets", hunt}}},
-          {"many_ringing",
-           {{"active", s.manyRinging.active}, {"extensions", s.manyRinging.extensions}}},
-          {"forward_unconditional", ForwardJson(s.forwardUnconditional)},
-          {"forward_no_answer", ForwardJson(s.forwardNoAnswer)},
-          {"forward_busy", ForwardJson(s.forwardBusy)},
-          {"intercom_mode", s.intercom.mode}};
+  json j = json::object();
+  j["name"] = c.name;
+  j["id"] = c.id;
+  j["call_type"] = CallTypeName(c.callType);
+  j["armed"] = s.IsArmed(false);
+  j["armed_any"] = s.IsArmed(true);
+  j["active"] = ActiveServices(s);
+  j["clir"] = s.clir.active;
+  j["incoming_blocking"] = BlockingJson(s.incomingBlocking);
+  j["outgoing_blocking"] = BlockingJson(s.outgoingBlocking);
+  json& ringing = j["distinctive_ringing"];
+  ringing["active"] = s.distRinging.active;
+  ringing["ring_name"] = s.distRinging.ringName;
+  ringing["pattern"] = s.distRinging.pattern;
+  ringing["cadence"] = s.distRinging.cadence;
+  json& hunting = j["hunting"];
+  hunting["active"] = s.hunt.active;
+  hunting["mode"] = s.hunt.huntMode;
+  json& targets = hunting["targets"] = json::array();
+  for (const HuntRingTarget& t : s.hunt.targets) {
+    json& target = targets.emplace_back(json::object());
+    target["number"] = t.number;
+    target["ring_time"] = t.value;
+  }
+  json& many = j["many_ringing"];
+  many["active"] = s.manyRinging.active;
+  many["extensions"] = s.manyRinging.extensions;
+  j["forward_unconditional"] = ForwardJson(s.forwardUnconditional);
+  j["forward_no_answer"] = ForwardJson(s.forwardNoAnswer);
+  j["forward_busy"] = ForwardJson(s.forwardBusy);
+  j["intercom_mode"] = s.intercom.mode;
+  return j;
 }
 
 // ---- lists of the extension
@@ -449,11 +469,11 @@ json ExtensionJson(const ExtensionData& e) {
       {"line", LineJson(e.line)},
       {"media", MediaJson(e.line.voiceCodecs, e.line.fax.faxCodecs, e.line.fax.faxTransparentCodecs,
                           e.line.modem.modemCodecs)},
-      {"functional_table", functional},
-      {"speed_dial", speedDial},
-      {"address_book", book},
+      {"functional_table", std::move(functional)},
+      {"speed_dial", std::move(speedDial)},
+      {"address_book", std::move(book)},
       {"pstn", {{"fxo", e.fxo.channels}, {"isdn", e.isdn.channels}, {"cas", CasText(e.cas.spans)}}},
-      {"access_list", access},
+      {"access_list", std::move(access)},
       {"group_members", e.groupMembers}};
 }
 

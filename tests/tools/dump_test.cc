@@ -27,6 +27,21 @@ std::string WithoutDigits(std::string text) {
   return std::regex_replace(text, std::regex("[0-9]"), "");
 }
 
+const char kReplaced[] = "\xef\xbf\xbd\xef\xbf\xbd";  // two U+FFFD
+
+// Puts two bytes that are not UTF-8 ahead of 105's description and SIP
+// display name, one at a record's top level and one nested.
+void SpoilUtf8(const testing_support::TempRoot& root) {
+  const std::string file = "telephony/extensiondb/user/105.cfg";
+  std::string text = root.Read(file);
+  for (const char* key : {"description = ", "display_name = "}) {
+    size_t at = text.find(key);
+    ASSERT_NE(std::string::npos, at);
+    text.insert(at + std::string(key).size(), "\xff\xfe");
+  }
+  root.Write(file, text);
+}
+
 class DumpTest : public ::testing::Test {
  protected:
   int Run(const std::string& root) {
@@ -123,18 +138,17 @@ TEST_F(DumpTest, MissingRootIsStatusTwo) {
 
 // A description and a SIP display name are bytes as the file holds them;
 // an invalid UTF-8 sequence must not abort any JSON output.
+TEST_F(DumpTest, AnOutputThatCannotBeWrittenIsStatusOne) {
+  out_.setstate(std::ios::badbit);  // as a full disk leaves it
+  EXPECT_EQ(1, Run(logs_.path()));
+  EXPECT_EQ("cmcfg: cannot write the dump\n", err_.str());
+}
+
 TEST_F(DumpTest, InvalidUtf8IsReplacedInEveryJsonOutput) {
   testing_support::TempRoot root;
   CopyExample(root.path());
-  const std::string file = "telephony/extensiondb/user/105.cfg";
-  std::string text = root.Read(file);
-  for (const char* key : {"description = ", "display_name = "}) {
-    size_t at = text.find(key);
-    ASSERT_NE(std::string::npos, at);
-    text.insert(at + std::string(key).size(), "\xff\xfe");
-  }
-  root.Write(file, text);
-  const std::string replaced = "\xef\xbf\xbd\xef\xbf\xbd";  // two U+FFFD
+  ASSERT_NO_FATAL_FAILURE(SpoilUtf8(root));
+  const std::string replaced = kReplaced;
 
   ASSERT_EQ(0, Run(root.path())) << err_.str();
   const ordered_json dump = ordered_json::parse(out_.str());
@@ -161,6 +175,62 @@ TEST_F(DumpTest, InvalidUtf8IsReplacedInEveryJsonOutput) {
   out.str("");
   ASSERT_EQ(0, cmcfg_tool::RunShow(show, out, err));
   EXPECT_TRUE(nlohmann::json::accept(out.str()));
+}
+
+// The printed dump, written record by record, against the whole document
+// printed at once from the same loaded agent (two loads differ in the time
+// digits of the SIP user names): any slip in indentation, commas, brackets
+// or key order shows as a difference.
+class StreamedDumpTest : public DumpTest {
+ protected:
+  void ExpectSameAsDocument(const std::string& root) {
+    cmcfg_tool::AgentSession session(root, logs_.path());
+    std::ostringstream streamed;
+    cmcfg_tool::WriteDumpJson(session.agent(), streamed);
+    document_ = cmcfg_tool::DumpJson(session.agent());
+    streamed_ = streamed.str();
+    const std::string expected = cmcfg_tool::JsonText(document_);
+    EXPECT_TRUE(expected == streamed_) << FirstDifference(expected, streamed_);
+  }
+  // The first line where the two texts part, rather than both in full.
+  static std::string FirstDifference(const std::string& expected, const std::string& actual) {
+    const std::vector<std::string> a = tool_testing::Lines(expected);
+    const std::vector<std::string> b = tool_testing::Lines(actual);
+    size_t i = 0;
+    while (i < a.size() && i < b.size() && a[i] == b[i]) ++i;
+    return "line " + std::to_string(i + 1) + ": expected \"" + (i < a.size() ? a[i] : "<end>") +
+           "\", written \"" + (i < b.size() ? b[i] : "<end>") + "\"";
+  }
+  ordered_json document_;
+  std::string streamed_;
+};
+
+TEST_F(StreamedDumpTest, ExampleIsTheDocumentByteForByte) {
+  testing_support::TempRoot root;
+  CopyExample(root.path());
+  ExpectSameAsDocument(root.path());
+  // Both arrays hold several records, so the separators between them count.
+  EXPECT_GT(document_["extensions"].size(), 1u);
+  EXPECT_GT(document_["attendants"].size(), 1u);
+}
+
+TEST_F(StreamedDumpTest, InvalidUtf8IsReplacedAsInTheDocument) {
+  testing_support::TempRoot root;
+  CopyExample(root.path());
+  ASSERT_NO_FATAL_FAILURE(SpoilUtf8(root));
+  ExpectSameAsDocument(root.path());
+  EXPECT_THAT(streamed_, HasSubstr("\"description\": \"" + std::string(kReplaced) + "Elena"));
+  EXPECT_THAT(streamed_, HasSubstr("\"display_name\": \"" + std::string(kReplaced) + "Elena"));
+}
+
+// No records at all: empty arrays print as [] and no system attendant as
+// null, as nlohmann::json prints them.
+TEST_F(StreamedDumpTest, EmptyRootIsTheDocumentByteForByte) {
+  testing_support::TempRoot root;
+  ExpectSameAsDocument(root.path());
+  EXPECT_TRUE(document_["extensions"].empty());
+  EXPECT_TRUE(document_["attendants"].empty());
+  EXPECT_TRUE(document_["system_attendant"].is_null());
 }
 
 TEST(JsonHelpers, ToOrderedKeepsValuesAndTypes) {
