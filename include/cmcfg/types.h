@@ -17,7 +17,9 @@ enum ExtType {
 
 // Kind of a destination or contact: 1 a SIP address, 2 a PSTN destination,
 // 3 the destination set from the telephone, anything else a dialled number.
-enum CallType {
+// Its 32 bits are fixed, so that a forward destination keeps the type its
+// file gives, whatever the number: any int32_t is a value of the type.
+enum CallType : int32_t {
   kCallNumber = 0,
   kCallSip = 1,
   kCallPstn = 2,
