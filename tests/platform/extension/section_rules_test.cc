@@ -14,16 +14,20 @@ namespace {
 
 const char kFile[] = "telephony/extensiondb/user/101.cfg";
 
+// The services of contact `id` of extension 101 as `db` reads them.
+SupServAccessor* ContactServices(ExtensionManager& db, unsigned long id, bool create) {
+  Extension* user = db.GetExtension(kExtUser, "101", false);
+  if (user == nullptr || !user->ReloadProperty(kPropAddressPatterns)) return nullptr;
+  AddressPatternParams* book = user->GetAddressPatternParams();
+  return book->GetSupServAccessor(book->GetBlock(id), create);
+}
+
 TEST(SectionRulesTest, EverythingTheStoreWritesIsAKeyAndValueItsRulesTake) {
   testing_support::TempRoot root;
   root.Write(kFile, "section extension\n{\ndescription = Alice\n}\n"
                     "section contact 4\n{\nname = 0900*\ncall_type = 2\n}\n");
   ExtensionManager db(root.Path("telephony/extensiondb"), false);
-  Extension* user = db.GetExtension(kExtUser, "101", false);
-  ASSERT_NE(nullptr, user);
-  ASSERT_TRUE(user->ReloadProperty(kPropAddressPatterns));
-  AddressPatternParams* book = user->GetAddressPatternParams();
-  SupServAccessor* services = book->GetSupServAccessor(book->GetBlock(4), true);
+  SupServAccessor* services = ContactServices(db, 4, true);
   ASSERT_NE(nullptr, services);
   services->hunt.targets = {{"102", 15}, {"103", 0}};
   services->manyRinging.numbers = {"104", "105"};
@@ -80,11 +84,7 @@ TEST(SectionRulesTest, NumberedEntriesAreTakenExactlyWhenTheReaderTakesThem) {
              "section contact 1 forward_busy\n{\ndestination_1 = 1,0\n"
              "destination_2 = 1,0,106\n}\n");
   ExtensionManager db(root.Path("telephony/extensiondb"), false);
-  Extension* user = db.GetExtension(kExtUser, "101", false);
-  ASSERT_NE(nullptr, user);
-  ASSERT_TRUE(user->ReloadProperty(kPropAddressPatterns));
-  AddressPatternParams* book = user->GetAddressPatternParams();
-  SupServAccessor* services = book->GetSupServAccessor(book->GetBlock(1), false);
+  SupServAccessor* services = ContactServices(db, 1, false);
   ASSERT_NE(nullptr, services);
   ASSERT_EQ(2u, services->hunt.targets.size());
   EXPECT_EQ("104", services->hunt.targets.back().first);
