@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <map>
+#include <unordered_map>
+#include <utility>
 #include <ostream>
 
+#include "cmcfg/cm_agent.h"
 #include "tools/dump.h"
 #include "tools/session.h"
 
@@ -100,14 +103,16 @@ class Differ {
       if (!a.contains(it.key())) lines_->push_back(Join(path, Words(it.key())) + ": added");
   }
 
-  // The identity values of a list, or false when an element has none or two
-  // share one (then the list is compared as a whole).
-  static bool Keys(const ordered_json& list, const char* field, std::vector<std::string>* keys) {
+  // The identity values of a list in order, and the position of each, or
+  // false when an element has none or two share one (then the list is
+  // compared as a whole). Looked up by value: tables hold 100,000 records.
+  static bool Keys(const ordered_json& list, const char* field, std::vector<std::string>* keys,
+                   std::unordered_map<std::string, size_t>* positions) {
     for (const ordered_json& item : list) {
       if (!item.is_object() || !item.contains(field)) return false;
-      const std::string key = ScalarText(item[field]);
-      if (std::find(keys->begin(), keys->end(), key) != keys->end()) return false;
-      keys->push_back(key);
+      std::string key = ScalarText(item[field]);
+      if (!positions->emplace(key, keys->size()).second) return false;
+      keys->push_back(std::move(key));
     }
     return true;
   }
@@ -119,19 +124,19 @@ class Differ {
     const std::string& base = parent;
     const Identity* identity = IdentityOf(key);
     std::vector<std::string> keysA, keysB;
-    if (identity != nullptr && Keys(a, identity->field, &keysA) &&
-        Keys(b, identity->field, &keysB)) {
+    std::unordered_map<std::string, size_t> inA, inB;
+    if (identity != nullptr && Keys(a, identity->field, &keysA, &inA) &&
+        Keys(b, identity->field, &keysB, &inB)) {
       const std::string label = identity->label;
       for (size_t i = 0; i < keysA.size(); ++i) {
-        const std::string name = Join(base, label + " " + keysA[i]);
-        auto at = std::find(keysB.begin(), keysB.end(), keysA[i]);
-        if (at == keysB.end())
-          lines_->push_back(name + ": removed");
-        else
-          Compare(name, "", a[i], b[static_cast<size_t>(at - keysB.begin())]);
+        auto at = inB.find(keysA[i]);
+        if (at == inB.end())
+          lines_->push_back(Join(base, label + " " + keysA[i]) + ": removed");
+        else if (a[i] != b[at->second])
+          Compare(Join(base, label + " " + keysA[i]), "", a[i], b[at->second]);
       }
       for (size_t i = 0; i < keysB.size(); ++i)
-        if (std::find(keysA.begin(), keysA.end(), keysB[i]) == keysA.end())
+        if (inA.count(keysB[i]) == 0)
           lines_->push_back(Join(base, label + " " + keysB[i]) + ": added");
       return;
     }
@@ -187,21 +192,112 @@ std::vector<std::string> DiffDumps(const ordered_json& a, const ordered_json& b)
   return lines;
 }
 
+namespace {
+
+// One root's dump as diff holds it: the records of the two long arrays as
+// one-line texts (stabilised; most are equal, and a text compares fast and
+// takes a tenth of a document's memory), the rest as a document.
+struct HeldDump {
+  ordered_json rest;
+  // By array: each record's identity ("name") and text, in order.
+  std::map<std::string, std::vector<std::pair<std::string, std::string>>> records;
+};
+
+HeldDump Hold(const CMAgent& agent, const std::string& root) {
+  HeldDump held;
+  held.rest = DumpJsonByRecord(agent, [&](const std::string& array, ordered_json record) {
+    ordered_json one = ordered_json::object();  // built in place: a braced list would copy
+    one[array] = ordered_json::array();
+    one[array].push_back(std::move(record));
+    StabiliseDump(&one, root);
+    const ordered_json& stable = one[array][0];
+    held.records[array].emplace_back(ScalarText(stable.value("name", ordered_json())),
+                                     stable.dump(-1, ' ', false,
+                                                 ordered_json::error_handler_t::replace));
+  });
+  StabiliseDump(&held.rest, root);
+  return held;
+}
+
+ordered_json Parsed(const std::string& array, const std::string& text) {
+  return {{array, ordered_json::array({ordered_json::parse(text)})}};
+}
+
+// The lines of one array, as DiffDumps gives them for the whole documents.
+void DiffRecords(const std::string& array, const HeldDump& a, const HeldDump& b,
+                 std::vector<std::string>* lines) {
+  static const std::vector<std::pair<std::string, std::string>> kNone;
+  auto inA = a.records.find(array), inB = b.records.find(array);
+  const auto& recordsA = inA == a.records.end() ? kNone : inA->second;
+  const auto& recordsB = inB == b.records.end() ? kNone : inB->second;
+  std::unordered_map<std::string, size_t> byNameA, byNameB;
+  bool unique = true;
+  for (size_t i = 0; i < recordsA.size(); ++i)
+    unique = byNameA.emplace(recordsA[i].first, i).second && unique;
+  for (size_t i = 0; i < recordsB.size(); ++i)
+    unique = byNameB.emplace(recordsB[i].first, i).second && unique;
+  if (!unique) {  // compared as whole lists, as DiffDumps does
+    ordered_json listA = {{array, ordered_json::array()}}, listB = listA;
+    for (const auto& record : recordsA) listA[array].push_back(ordered_json::parse(record.second));
+    for (const auto& record : recordsB) listB[array].push_back(ordered_json::parse(record.second));
+    for (std::string& line : DiffDumps(listA, listB)) lines->push_back(std::move(line));
+    return;
+  }
+  // Removed and changed records in A's order, then the added ones: the
+  // lines name them as DiffDumps does.
+  const ordered_json emptyList = {{array, ordered_json::array()}};
+  for (const auto& record : recordsA) {
+    auto other = byNameB.find(record.first);
+    if (other == byNameB.end()) {
+      for (std::string& line : DiffDumps(Parsed(array, record.second), emptyList))
+        lines->push_back(std::move(line));
+    } else if (record.second != recordsB[other->second].second) {
+      for (std::string& line : DiffDumps(Parsed(array, record.second),
+                                         Parsed(array, recordsB[other->second].second)))
+        lines->push_back(std::move(line));
+    }
+  }
+  for (const auto& record : recordsB)
+    if (byNameA.count(record.first) == 0)
+      for (std::string& line : DiffDumps(emptyList, Parsed(array, record.second)))
+        lines->push_back(std::move(line));
+}
+
+// The member `key` alone, or the document without the keys of `drop`.
+ordered_json Only(const ordered_json& doc, const std::string& key) {
+  ordered_json one = ordered_json::object();
+  if (doc.contains(key)) one[key] = doc[key];
+  return one;
+}
+
+ordered_json Without(ordered_json doc, std::initializer_list<const char*> drop) {
+  for (const char* key : drop) doc.erase(key);
+  return doc;
+}
+
+}  // namespace
+
 int RunDiff(const DiffOptions& options, std::ostream& out, std::ostream& err) {
   const std::string rootA = ResolveRoot(options.rootA);
   const std::string rootB = ResolveRoot(options.rootB);
   if (!RootIsUsable(rootA, err) || !RootIsUsable(rootB, err)) return 2;
-  ordered_json dumps[2];
+  HeldDump held[2];
   const std::string roots[2] = {rootA, rootB};
   // One log for both loads, and out of both roots when run inside either.
   const std::string logDir = InspectionLogDir(rootA, InspectionLogDir(rootB, options.logDir));
   for (int i = 0; i < 2; ++i) {
     // One agent at a time: each load points ORBA_PATH at its own root.
     AgentSession session(roots[i], logDir, Access::kInspect, &err);
-    dumps[i] = DumpJson(session.agent());
-    StabiliseDump(&dumps[i], roots[i]);
+    held[i] = Hold(session.agent(), roots[i]);
   }
-  const std::vector<std::string> lines = DiffDumps(dumps[0], dumps[1]);
+  // In the dump's order: the table, its records, the attendants, the rest.
+  std::vector<std::string> lines =
+      DiffDumps(Only(held[0].rest, "extension_table"), Only(held[1].rest, "extension_table"));
+  DiffRecords("extensions", held[0], held[1], &lines);
+  DiffRecords("attendants", held[0], held[1], &lines);
+  const auto drop = {"extension_table", "extensions", "attendants"};
+  for (std::string& line : DiffDumps(Without(held[0].rest, drop), Without(held[1].rest, drop)))
+    lines.push_back(std::move(line));
   for (const std::string& line : lines) out << line << "\n";
   return lines.empty() ? 0 : 1;
 }

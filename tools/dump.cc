@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <functional>
 #include <ostream>
 #include <utility>
 #include <vector>
@@ -224,6 +225,29 @@ class DocumentSink : public DumpSink {
   ordered_json array_;
 };
 
+// Hands each record of the two arrays on, and keeps the rest.
+class RecordSink : public DumpSink {
+ public:
+  using OnRecord = std::function<void(const std::string& array, ordered_json record)>;
+  explicit RecordSink(const OnRecord& onRecord) : onRecord_(onRecord) {}
+  void Member(const char* key, ordered_json value) override { doc_[key] = std::move(value); }
+  void BeginArray(const char* key) override {
+    key_ = key;
+    doc_[key_] = ordered_json::array();
+  }
+  void Record(const json& record, const KeyOrder& first) override {
+    onRecord_(key_, InOrder(record, first));
+  }
+  void EndArray() override {}
+
+  ordered_json Take() { return std::move(doc_); }
+
+ private:
+  const OnRecord& onRecord_;
+  ordered_json doc_ = ordered_json::object();
+  std::string key_;
+};
+
 // A value as JsonText prints it, without the newline: indented by two when
 // `indent` is 2, on one line when it is -1.
 template <typename Json>
@@ -337,6 +361,14 @@ std::string JsonText(const ordered_json& value) { return Dumped(value, 2) + "\n"
 
 ordered_json DumpJson(const CMAgent& agent) {
   DocumentSink sink;
+  Produce(agent, sink);
+  return sink.Take();
+}
+
+ordered_json DumpJsonByRecord(
+    const CMAgent& agent,
+    const std::function<void(const std::string& array, ordered_json record)>& onRecord) {
+  RecordSink sink(onRecord);
   Produce(agent, sink);
   return sink.Take();
 }

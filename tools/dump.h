@@ -1,6 +1,7 @@
 #ifndef CMCFG_TOOLS_DUMP_H_
 #define CMCFG_TOOLS_DUMP_H_
 
+#include <functional>
 #include <iosfwd>
 #include <string>
 
@@ -34,6 +35,14 @@ std::string JsonText(const nlohmann::ordered_json& value);
 // Holds the whole document: for comparing roots, not for printing a large
 // one.
 nlohmann::ordered_json DumpJson(const CMAgent& agent);
+
+// DumpJson(agent) one record at a time, for comparing large roots: calls
+// onRecord(array, record) for each element of "extensions" and
+// "attendants" in order (the record in the dump's key order), and returns
+// the rest of the document, where those two arrays are empty.
+nlohmann::ordered_json DumpJsonByRecord(
+    const CMAgent& agent,
+    const std::function<void(const std::string& array, nlohmann::ordered_json record)>& onRecord);
 
 // Prints DumpJson(agent) to out exactly as JsonText would, but one record at
 // a time: memory stays at one record's JSON whatever the root's size. The
