@@ -56,14 +56,13 @@ TEST_F(DiffTest, ChangedForwardAddedExtensionAndPrefix) {
 
   ASSERT_EQ(1, Run(tool_testing::Examples(), changed.path())) << err_.str();
   const std::vector<std::string> lines = Lines(out_.str());
-  EXPECT_THAT(lines, testing::Contains(
-                         "extension 101: contact *: forward no answer: destinations: number 102 "
-                         "-> number 107"));
-  EXPECT_THAT(lines, testing::Contains("extension 113: added"));
-  // The new extension takes a slot of its own; the root's own paths are
-  // not a difference.
-  EXPECT_THAT(lines, testing::Contains("extension table: slots: 82 -> 83"));
-  EXPECT_EQ(3u, lines.size()) << out_.str();
+  // In the dump's order: the table, then changed and removed records, then
+  // added ones. The new extension takes a slot of its own; the root's own
+  // paths are not a difference.
+  EXPECT_THAT(lines, testing::ElementsAre("extension table: slots: 82 -> 83",
+                                          "extension 101: contact *: forward no answer: "
+                                          "destinations: number 102 -> number 107",
+                                          "extension 113: added"));
 
   // And back: the reverse reads the other way round.
   ASSERT_EQ(1, Run(changed.path(), tool_testing::Examples()));
