@@ -3,7 +3,7 @@
 #include <map>
 
 #include "platform/base/string_utils.h"
-#include "platform/extension/ext_params.h"
+#include "platform/extension/section_rules.h"
 
 namespace cmcfg_tool {
 namespace {
@@ -22,12 +22,10 @@ std::string Quoted(const std::string& text) { return "\"" + text + "\""; }
 // The codes of the keys the store reads, in file order (unknown keys have
 // their finding from the store's key rules).
 std::vector<Code> ReadCodes(const cfg::Section& section) {
+  const cfg::KeyRules& keys = *extdb::ReadingOf(section.name).keys;
   std::vector<Code> codes;
   for (const cfg::Entry& entry : section.entries) {
-    const std::string key(entry.key);
-    bool known = false;
-    for (int i = 1; i <= ExtServiceCodesParams::kCount && !known; ++i)
-      known = key == "code_" + std::to_string(i);
+    const bool known = cfg::FindKeyRule(keys, entry.key) != nullptr;
     if (!known || section.Find(entry.key) != &entry) continue;  // only the first of a key is read
     for (const std::string& piece : StringUtils::ParseCommaLine(std::string(entry.value), ','))
       codes.push_back({piece, DialledKeys(piece), &entry});

@@ -13,6 +13,8 @@ const unsigned int gAllProperties = 0xFFFFFFFFu;
 namespace extdb {
 
 const char kExtensionSection[] = "extension";
+const char kSystemSection[] = "database";
+const char kSystemAttendantKey[] = "system_attendant";
 
 namespace {
 
@@ -153,8 +155,8 @@ CHAttendant* ExtensionManager::GetAttendant(const std::string& name, bool preloa
 CHAttendant* ExtensionManager::GetSystemExtension(bool preloadAll) {
   cfg::Document doc;
   if (!cfg::LoadDocument(path_ + "system.cfg", &doc).ok()) return nullptr;
-  const cfg::Section* section = doc.Find("database");
-  const cfg::Entry* entry = section ? section->Find("system_attendant") : nullptr;
+  const cfg::Section* section = doc.Find(extdb::kSystemSection);
+  const cfg::Entry* entry = section ? section->Find(extdb::kSystemAttendantKey) : nullptr;
   if (entry == nullptr) return nullptr;
   return GetAttendant(std::string(entry->value), preloadAll);
 }

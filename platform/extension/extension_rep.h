@@ -27,6 +27,8 @@ bool NaturalLess(const std::string& a, const std::string& b);
 
 // Section names of the extension file.
 extern const char kExtensionSection[];  // "extension"
+extern const char kSystemSection[];       // "database", in system.cfg
+extern const char kSystemAttendantKey[];  // "system_attendant"
 std::string ContactSection(unsigned long id);                       // "contact 3"
 std::string ServiceSection(unsigned long id, const char* service);  // "contact 3 forward_busy"
 // The file names of the services, by mask bit (0x001 .. 0x200), or nullptr.

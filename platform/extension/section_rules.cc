@@ -26,7 +26,7 @@ SectionReading ReadingOf(std::string_view name) {
 
 const cfg::SectionRules& SystemFileRules() {
   static const cfg::SectionRules kRules = {
-      {"database", {cfg::RuleFor<std::string>("system_attendant")}}};
+      {kSystemSection, {cfg::RuleFor<std::string>(kSystemAttendantKey)}}};
   return kRules;
 }
 
