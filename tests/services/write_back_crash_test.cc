@@ -28,6 +28,7 @@
 #include "platform/base/file_system.h"
 #include "tests/support/agent_fixture.h"
 #include "tests/support/agent_support.h"
+#include "tests/support/kill_child.h"
 
 namespace {
 
@@ -198,8 +199,6 @@ struct Counts {
   _exit(1);
 }
 
-bool ReadLong(int fd, long* n) { return read(fd, n, sizeof(*n)) == sizeof(*n); }
-
 // Temporary files of the store's saves (name.pid.hex.tmp) in `folder`.
 int TempFilesIn(const std::string& folder) {
   int count = 0;
@@ -269,30 +268,14 @@ class WriteBackCrashTest : public ::testing::Test {
       // costs about the same all through the run.
       if (kind.Grows() && reported_.size() > 300) Reset(kind);
       const long first = (c.kills + 1) * kPerRound + 1;
-      int pipe_fds[2];
-      ASSERT_EQ(0, pipe(pipe_fds));
-      pid_t child = fork();
-      ASSERT_GE(child, 0);
-      if (child == 0) {
-        close(pipe_fds[0]);
-        WriteForever(kind, first, pipe_fds[1], self);
-      }
-      close(pipe_fds[1]);
-      long n = -1;
-      if (!ReadLong(pipe_fds[0], &n) || n != 0) {
-        kill(child, SIGKILL);  // not left writing into the next test's root
-        waitpid(child, nullptr, 0);
-        FAIL() << "the child's agent did not start";
-      }
       const size_t before = reported_.size();
-      if (c.kills % 2 == 1 && ReadLong(pipe_fds[0], &n)) reported_.push_back(n);
-      std::this_thread::sleep_for(std::chrono::microseconds(wait_us(random)));
-      kill(child, SIGKILL);
-      int status = 0;
-      ASSERT_EQ(child, waitpid(child, &status, 0));
-      ASSERT_TRUE(WIFSIGNALED(status)) << "the writing child ended by itself: a write failed";
-      while (ReadLong(pipe_fds[0], &n)) reported_.push_back(n);
-      close(pipe_fds[0]);
+      const testing_support::KilledChild killed = testing_support::KillAfter(
+          [&](int out) { WriteForever(kind, first, out, self); }, true, c.kills % 2 == 1,
+          std::chrono::microseconds(wait_us(random)));
+      ASSERT_TRUE(killed.forked);
+      ASSERT_TRUE(killed.started) << "the child's agent did not start";
+      ASSERT_TRUE(killed.signalled) << "the writing child ended by itself: a write failed";
+      reported_.insert(reported_.end(), killed.reports.begin(), killed.reports.end());
       if (reported_.size() > before) ++c.after_writes;
       c.writes += static_cast<long>(reported_.size() - before);
 

@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "platform/base/file_system.h"
+#include "tests/support/kill_child.h"
 #include "tests/support/temp_root.h"
 
 namespace cfg {
@@ -96,25 +97,13 @@ TEST(SaveCrashTest, KilledSavesLeaveAWholeFileNoTempAndNoLock) {
   Counts c;
   const pid_t self = getpid();
   for (; c.kills < kills; ++c.kills) {
-    int pipe_fds[2];
-    ASSERT_EQ(0, pipe(pipe_fds));
-    pid_t child = fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-      close(pipe_fds[0]);
-      SaveForever(path, pipe_fds[1], self);
-    }
-    close(pipe_fds[1]);
+    const testing_support::KilledChild killed = testing_support::KillAfter(
+        [&](int out) { SaveForever(path, out, self); }, false, c.kills % 2 == 1,
+        std::chrono::microseconds(wait_us(random)));
+    ASSERT_TRUE(killed.forked);
+    ASSERT_TRUE(killed.signalled) << "the saving child ended by itself";
     long reported = last;  // the last save known to have succeeded
-    long n;
-    if (c.kills % 2 == 1 && read(pipe_fds[0], &n, sizeof(n)) == sizeof(n)) reported = n;
-    std::this_thread::sleep_for(std::chrono::microseconds(wait_us(random)));
-    kill(child, SIGKILL);
-    int status = 0;
-    ASSERT_EQ(child, waitpid(child, &status, 0));
-    ASSERT_TRUE(WIFSIGNALED(status)) << "the saving child ended by itself";
-    while (read(pipe_fds[0], &n, sizeof(n)) == sizeof(n)) reported = std::max(reported, n);
-    close(pipe_fds[0]);
+    for (long n : killed.reports) reported = std::max(reported, n);
     if (reported > last) ++c.after_saves;
 
     std::string text;
