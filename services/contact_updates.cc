@@ -72,49 +72,69 @@ int CMAgent::BlockContact(ExtensionData* extension, const std::string& number, C
   ExtensionFrame frame(this, CMCFG_FRAME_LINES("BlockContact"));
   Extension* stored = frame.Find(extension->type, extension->name);
   if (stored == nullptr) return kFailed;
-  stored->LoadProperty(kPropAddressPatterns);
-  AddressPatternParams* params = stored->GetAddressPatternParams();
   const unsigned bit = incoming ? 0x002 : 0x004;
   auto blocking = [incoming](SupServiceSet& set) -> CallBlockingData& {
     return incoming ? set.incomingBlocking : set.outgoingBlocking;
   };
-
   std::list<AddressBookEntry>& book = extension->addressBook;
   auto entry = std::find_if(book.begin(), book.end(), [&](const AddressBookEntry& e) {
     return e.first.name == number && e.first.callType == type;
   });
   if (entry != book.end() && blocking(entry->second).active) return kPresent;
 
-  AddressPatternBlock* block = nullptr;
-  if (entry == book.end() && params != nullptr) {
-    block = params->CreateBlock();
-    block->name = number;
-    block->callType = type;
-    // On success the store keeps the block (its id may move past ids the
-    // file gained meanwhile); on failure it is gone.
-    if (stored->AddBlock(kPropAddressPatterns, block)) {
-      book.emplace_back(Contact(number, static_cast<int32_t>(block->id), type), SupServiceSet());
-      entry = std::prev(book.end());
-    } else {
-      block = nullptr;
+  int result = kFailed;
+  unsigned long id = 0;
+  int32_t mode = 0;
+  // Which contact is blocked, and whether it already is, is decided on the
+  // file as it is now, under its lock; a new contact's id is one the file
+  // does not hold.
+  cfg::Status saved = stored->Update([&] {
+    stored->LoadProperty(kPropAddressPatterns);
+    AddressPatternParams* params = stored->GetAddressPatternParams();
+    if (params == nullptr) return false;
+    AddressPatternBlock* block = nullptr;
+    for (AddressPatternBlock* b : params->GetAllBlocks())
+      if (b->name == number && b->callType == type) {
+        block = b;
+        break;
+      }
+    if (block == nullptr) {
+      block = params->CreateBlock();
+      block->name = number;
+      block->callType = type;
+      if (!stored->AddBlock(kPropAddressPatterns, block)) return false;
     }
-  } else if (entry != book.end() && params != nullptr) {
-    block = params->GetBlock(static_cast<unsigned long>(entry->first.id));
+    SupServAccessor* services = params->GetSupServAccessor(block, true);
+    if (services == nullptr) {
+      CMCFG_TRACE(this, "BlockContact: failed to load supplementary service for extension %s.\n",
+                  extension->name.c_str());
+      return true;  // a contact created here stays
+    }
+    services->Load(bit);
+    SSBlockCallParams& storedBlocking = incoming ? services->incomingBlocking
+                                                 : services->outgoingBlocking;
+    id = block->id;
+    mode = storedBlocking.blockMode;
+    if (storedBlocking.active) {
+      result = kPresent;  // another writer blocked it meanwhile
+      return false;
+    }
+    storedBlocking.active = 1;
+    if (!services->Store(bit)) return false;
+    result = kAdded;
+    return true;
+  });
+  if (result == kFailed || (result == kAdded && !saved.ok())) return kFailed;
+  // The copy in memory follows what the file now holds.
+  if (entry == book.end()) {
+    book.emplace_back(Contact(number, static_cast<int32_t>(id), type), SupServiceSet());
+    entry = std::prev(book.end());
   }
-  SupServAccessor* services = block ? params->GetSupServAccessor(block, true) : nullptr;
-  if (services == nullptr) {
-    CMCFG_TRACE(this, "BlockContact: failed to load supplementary service for extension %s.\n",
-                extension->name.c_str());
-    return kFailed;
-  }
-  services->Load(bit);
-  SSBlockCallParams& storedBlocking = incoming ? services->incomingBlocking
-                                               : services->outgoingBlocking;
-  storedBlocking.active = 1;
-  services->Store(bit);
+  entry->first.id = static_cast<int32_t>(id);
   blocking(entry->second).active = 1;
-  blocking(entry->second).blockMode = storedBlocking.blockMode;
-  CMCFG_TRACE(this, "BlockContact: extension %s, added contact %s to %s black list.\n",
-              extension->name.c_str(), number.c_str(), incoming ? "incoming" : "outgoing");
-  return kAdded;
+  blocking(entry->second).blockMode = mode;
+  if (result == kAdded)
+    CMCFG_TRACE(this, "BlockContact: extension %s, added contact %s to %s black list.\n",
+                extension->name.c_str(), number.c_str(), incoming ? "incoming" : "outgoing");
+  return result;
 }

@@ -1,6 +1,7 @@
 // Refreshing a contact's services from the store, and the unconditional
 // forward changed from the telephone.
 #include <algorithm>
+#include <cstdint>
 
 #include "agent/agent_log.h"
 #include "agent/extension_frame.h"
@@ -85,17 +86,24 @@ bool CMAgent::SwitchForwardService(ExtensionData* extension) {
   Extension* stored = frame.Find(extension->type, extension->name);
   if (stored == nullptr) return false;
   AddressBookEntry* anyCaller = nullptr;
-  SupServAccessor* services = AnyCallerServices(
-      this, stored, extension,
-      "SwitchForwardService: failed to load supplementary services for extension %s.\n",
-      &anyCaller);
-  if (services == nullptr) return false;
-  services->Load(kForwardUnconditional);
-  // The flag in memory decides: it is what the user was told.
-  ForwardData& forward = anyCaller->second.forwardUnconditional;
-  services->forwardUnconditional.active = forward.active ? 0 : 1;
-  services->Store(kForwardUnconditional);
-  forward.active = services->forwardUnconditional.active;
+  int32_t active = 0;
+  bool stores = false;
+  // Decided and stored under the file's lock, on the file as it is now.
+  cfg::Status saved = stored->Update([&] {
+    SupServAccessor* services = AnyCallerServices(
+        this, stored, extension,
+        "SwitchForwardService: failed to load supplementary services for extension %s.\n",
+        &anyCaller);
+    if (services == nullptr) return false;
+    services->Load(kForwardUnconditional);
+    // The flag in memory decides: it is what the user was told.
+    active = anyCaller->second.forwardUnconditional.active ? 0 : 1;
+    services->forwardUnconditional.active = active;
+    stores = services->Store(kForwardUnconditional);
+    return stores;
+  });
+  if (!stores || !saved.ok()) return false;
+  anyCaller->second.forwardUnconditional.active = active;
   return true;
 }
 
@@ -106,34 +114,46 @@ bool CMAgent::UpdateForwardService(ExtensionData* extension, const std::string& 
   Extension* stored = frame.Find(extension->type, extension->name);
   if (stored == nullptr) return false;
   AddressBookEntry* anyCaller = nullptr;
-  SupServAccessor* services = AnyCallerServices(
-      this, stored, extension,
-      "UpdateForwardService: failed to load supplementary services for extension %s.\n",
-      &anyCaller);
-  if (services == nullptr) return false;
-  services->Load(kForwardUnconditional);
-  std::list<AddrInfo>& destinations = services->forwardUnconditional.destinations;
-  // Only the destination set from the telephone is ever touched.
-  auto phone = std::find_if(destinations.begin(), destinations.end(),
-                            [](const AddrInfo& d) { return d.type == kCallFromPhone; });
-  if (phone == destinations.end()) {
-    if (!on) return false;
-    AddrInfo added;
-    added.enabled = 1;
-    added.type = kCallFromPhone;
-    added.address = number;
-    destinations.push_back(added);
-  } else if (!on) {
-    destinations.erase(phone);
-  } else if (phone->address == number) {
-    return true;  // already so, even when disabled: nothing to store
-  } else if (!replace) {
-    return false;
-  } else {
-    phone->address = number;
-    phone->enabled = 1;
-  }
-  services->Store(kForwardUnconditional);
+  SupServAccessor* services = nullptr;
+  bool result = false;
+  bool stores = false;
+  // Decided and stored under the file's lock, on the file as it is now: a
+  // number another writer set meanwhile counts as set.
+  cfg::Status saved = stored->Update([&] {
+    services = AnyCallerServices(
+        this, stored, extension,
+        "UpdateForwardService: failed to load supplementary services for extension %s.\n",
+        &anyCaller);
+    if (services == nullptr) return false;
+    services->Load(kForwardUnconditional);
+    std::list<AddrInfo>& destinations = services->forwardUnconditional.destinations;
+    // Only the destination set from the telephone is ever touched.
+    auto phone = std::find_if(destinations.begin(), destinations.end(),
+                              [](const AddrInfo& d) { return d.type == kCallFromPhone; });
+    if (phone == destinations.end()) {
+      if (!on) return false;
+      AddrInfo added;
+      added.enabled = 1;
+      added.type = kCallFromPhone;
+      added.address = number;
+      destinations.push_back(added);
+    } else if (!on) {
+      destinations.erase(phone);
+    } else if (phone->address == number) {
+      result = true;  // already so, even when disabled: nothing to store
+      return false;
+    } else if (!replace) {
+      return false;
+    } else {
+      phone->address = number;
+      phone->enabled = 1;
+    }
+    stores = services->Store(kForwardUnconditional);
+    result = stores;
+    return stores;
+  });
+  if (!stores) return result;
+  if (!saved.ok()) return false;
   anyCaller->second.forwardUnconditional = services->forwardUnconditional;
   return true;
 }

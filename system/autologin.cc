@@ -43,32 +43,24 @@ bool CMAgent::SaveAutologinUser(AuthorizedPhonesData* user) {
     CMCFG_TRACE(this, "SaveAutologinUser: failed to load authorized phones accessor.\n");
     return false;
   }
-  AuthorizedPhoneBlock* found = nullptr;
-  for (AuthorizedPhoneBlock* block : phones->GetAllBlocks()) {
-    if (block != nullptr && SameUser(block->phoneAddress, block->phoneType, *user)) {
-      found = block;
-      break;
-    }
-  }
-
-  if (found != nullptr) {
-    found->extension = user->extension;
-    found->userName = user->userName;
-    found->loginTime = user->loginTime;
-    phones->SaveBlock(found);
-    // The stored block takes the new user name; the list entries keep
-    // theirs until the next load.
-    for (AuthorizedPhonesData& entry : generalData.authorizedPhones) {
-      if (SameUser(entry.phoneAddress, entry.phoneType, *user)) {
-        entry.loginTime = user->loginTime;
-        entry.extension = user->extension;
+  bool created = true;
+  bool found = false;
+  // The user is looked up in the file as it is now, under its lock, so a
+  // user another writer saved meanwhile is updated, not added twice.
+  phones->Update([&] {
+    for (AuthorizedPhoneBlock* block : phones->GetAllBlocks()) {
+      if (block != nullptr && SameUser(block->phoneAddress, block->phoneType, *user)) {
+        block->extension = user->extension;
+        block->userName = user->userName;
+        block->loginTime = user->loginTime;
+        phones->SaveBlock(block);
+        found = true;
+        return true;
       }
     }
-  } else {
     std::unique_ptr<AuthorizedPhoneBlock> block = phones->CreateBlock();
     if (!block) {
-      CMCFG_TRACE(this, "SaveAutologinUser: failed to create new block\n");
-      AuthorizedPhonesAccessor::CloseInstance();
+      created = false;
       return false;
     }
     block->phoneAddress = user->phoneAddress;
@@ -80,8 +72,24 @@ bool CMAgent::SaveAutologinUser(AuthorizedPhonesData* user) {
     block->permissions = user->permissions;
     block->loginTime = user->loginTime;
     phones->AddBlock(std::move(block));
-    generalData.authorizedPhones.push_back(*user);
+    return true;
+  });
+  if (!created) {
+    CMCFG_TRACE(this, "SaveAutologinUser: failed to create new block\n");
+    AuthorizedPhonesAccessor::CloseInstance();
+    return false;
   }
+  bool listed = false;
+  for (AuthorizedPhonesData& entry : generalData.authorizedPhones) {
+    if (SameUser(entry.phoneAddress, entry.phoneType, *user)) {
+      // The stored block takes the new user name; the list entries keep
+      // theirs until the next load.
+      entry.loginTime = user->loginTime;
+      entry.extension = user->extension;
+      listed = true;
+    }
+  }
+  if (!found || !listed) generalData.authorizedPhones.push_back(*user);
   AuthorizedPhonesAccessor::CloseInstance();
   return true;
 }

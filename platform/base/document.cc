@@ -1,5 +1,6 @@
 #include "platform/base/document.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "platform/base/document_lexer.h"
@@ -190,6 +191,42 @@ Section& Document::Add(std::string_view name) {
   if (Section* added = TryAdd(name)) return *added;
   scratch_ = Section();
   return scratch_;
+}
+
+namespace {
+
+// Leading words `a` and `b` have in common.
+size_t SharedWords(std::string_view a, std::string_view b) {
+  size_t words = 0;
+  for (size_t i = 0;; ++i) {
+    const bool a_end = i == a.size() || a[i] == ' ';
+    const bool b_end = i == b.size() || b[i] == ' ';
+    if (a_end || b_end) {
+      if (!(a_end && b_end)) return words;
+      ++words;
+      if (i == a.size() || i == b.size()) return words;
+    } else if (a[i] != b[i]) {
+      return words;
+    }
+  }
+}
+
+}  // namespace
+
+Section& Document::AddBeside(std::string_view name) {
+  size_t best = 0;
+  size_t after = sections_.size();
+  for (size_t i = 0; i < sections_.size(); ++i) {
+    const size_t shared = SharedWords(sections_[i].name, name);
+    if (shared > 0 && shared >= best) {
+      best = shared;
+      after = i + 1;
+    }
+  }
+  Section& added = Add(name);
+  if (&added == &scratch_ || after >= sections_.size() - 1) return added;
+  std::rotate(sections_.begin() + static_cast<long>(after), sections_.end() - 1, sections_.end());
+  return sections_[after];
 }
 
 void Document::Erase(size_t index) {

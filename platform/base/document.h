@@ -70,7 +70,8 @@ struct Section {
 
   std::string_view name;
   EntryList entries;
-  uint32_t line = 0;
+  uint32_t line = 0;      // 1-based line of its header; 0 when added later
+  uint32_t end_line = 0;  // line of its closer (its last line when it has none)
 
   // First entry with that key, or nullptr.
   const Entry* Find(std::string_view key) const;
@@ -158,6 +159,12 @@ class Document {
   // refused all the same: the document is left unchanged and the section
   // returned is a scratch one that is never saved.
   Section& Add(std::string_view name);
+  // As Add, but the section goes after the last section of its kind rather
+  // than at the end: after the last one that shares the most leading words
+  // of its name ("contact 7 clir" after the last "contact 7 ..." section,
+  // "contact 8" after the last "contact ..." one), at the end when none
+  // shares the first word. Pointers to sections are invalidated.
+  Section& AddBeside(std::string_view name);
   // Removes the section at `index` (nothing when out of range). Verbatim
   // lines before its header stay, before the next section.
   void Erase(size_t index);
@@ -178,6 +185,10 @@ class Document {
   std::string_view Intern(std::string_view text);
 
   const std::vector<Diagnostic>& diagnostics() const { return diagnostics_; }
+
+  // The text the document was parsed from; empty for a document built in
+  // memory. Line numbers of sections and entries refer to it.
+  std::string_view source() const { return text_; }
 
  private:
   // Storage, one place per kind of thing. A default Document allocates

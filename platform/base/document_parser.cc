@@ -34,6 +34,7 @@ void Parser::Run() {
   Lexer lexer(doc_->text_, markers_);
   Token token;
   while (lexer.Next(&token)) {
+    last_line_ = token.line;
     switch (token.kind) {
       case Token::kBlank:
       case Token::kComment:
@@ -58,7 +59,7 @@ void Parser::Run() {
   if (state_ == kBeforeOpener || state_ == kInside) {
     Report(open_section_, open_section_.text.substr(open_section_.text.size()),
            "section is not closed with '" + markers_.closer + "'");
-    EndSection();
+    EndSection(last_line_);
   }
   doc_->verbatim_after_ = std::move(outside_);
 }
@@ -67,7 +68,7 @@ void Parser::OnSection(const Token& token) {
   if (state_ == kBeforeOpener || state_ == kInside) {
     Report(token, TrimBlanks(token.text),
            "expected '" + markers_.closer + "' before the next section");
-    EndSection();
+    EndSection(token.line - 1);
   }
   size_t bad = FindNameControl(token.name);
   if (bad != std::string_view::npos) {
@@ -113,10 +114,10 @@ void Parser::OnCloser(const Token& token) {
       return;
     case kBeforeOpener:
       Report(token, TrimBlanks(token.text), "expected '" + markers_.opener + "'");
-      EndSection();
+      EndSection(token.line);
       return;
     case kInside:
-      EndSection();
+      EndSection(token.line);
       return;
   }
 }
@@ -187,10 +188,11 @@ void Parser::StartSection(const Token& token) {
   outside_.clear();
 }
 
-void Parser::EndSection() {
+void Parser::EndSection(uint32_t end_line) {
   Section section(doc_->arena_.get());
   section.name = open_section_.name;
   section.line = open_section_.line;
+  section.end_line = end_line;
   // An exact-size copy: one allocation per section instead of a growing
   // vector's several.
   section.entries.assign(entries_.begin(), entries_.end());

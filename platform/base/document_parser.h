@@ -2,6 +2,7 @@
 #define CMCFG_PLATFORM_BASE_DOCUMENT_PARSER_H_
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -37,7 +38,9 @@ class Parser {
   void OnEntry(const Token& token);
   void OnJunk(const Token& token);
   void StartSection(const Token& token);
-  void EndSection();
+  // Ends the open section; `end_line` is its closer's line, or its last
+  // line when it has no closer.
+  void EndSection(uint32_t end_line);
   // Keeps the line verbatim where it stands: in the open section's body, or
   // outside before the next section.
   void KeepInBody(const Token& token);
@@ -54,6 +57,7 @@ class Parser {
   VerbatimLines before_;        // verbatim lines before its header
   VerbatimLines outside_;       // verbatim lines since the last section line
   std::string scratch_;
+  uint32_t last_line_ = 0;      // line of the token being handled
 };
 
 }  // namespace cfg

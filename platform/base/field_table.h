@@ -66,10 +66,17 @@ void ReadFields(const Section& section, const Fields& fields, Owner* owner) {
     if (const Entry* entry = section.Find(field.key)) ParseField(entry->value, field, owner);
 }
 
-// Sets every field's key in `section` of `doc` (other keys stay).
+// Sets the key of every field whose value differs from what `section` of
+// `doc` reads as now (a missing key as the default of Owner), so that a
+// save changes only the lines of what changed; other keys stay.
 template <typename Owner, typename Fields>
 void WriteFields(const Owner& owner, const Fields& fields, Document* doc, Section* section) {
-  for (const Field<Owner>& field : fields) doc->Set(*section, field.key, FormatField(owner, field));
+  Owner now{};
+  ReadFields(*section, fields, &now);
+  for (const Field<Owner>& field : fields) {
+    std::string text = FormatField(owner, field);
+    if (text != FormatField(now, field)) doc->Set(*section, field.key, text);
+  }
 }
 
 // The rule of one field for checkers: how ParseField takes its text.

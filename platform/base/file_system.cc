@@ -3,18 +3,22 @@
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <errno.h>
 
 #include <algorithm>
 #include <atomic>
+#include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <mutex>
 #include <thread>
 #include <utility>
 
 #include "platform/base/config_root.h"
+#include "platform/base/document_render.h"
 #include "platform/base/posix_file_system.h"
 
 namespace cfg {
@@ -157,6 +161,40 @@ void Forget(const FileLock* lock) {
 
 }  // namespace
 
+std::string LockFolder() {
+  const char* set = std::getenv("CMCFG_LOCK_DIR");
+  if (set != nullptr && *set != '\0') return set;
+  struct stat st;
+  if (stat("/run/lock", &st) == 0 && S_ISDIR(st.st_mode) && access("/run/lock", W_OK) == 0)
+    return "/run/lock/cmcfg";
+  const char* tmp = std::getenv("TMPDIR");
+  return std::string(tmp != nullptr && *tmp == '/' ? tmp : "/tmp") + "/cmcfg-locks";
+}
+
+Status LockPathFor(const std::string& path, std::string* lock_path) {
+  const std::string folder = Folder(path);
+  struct stat st;
+  if (stat(folder.c_str(), &st) != 0 || !S_ISDIR(st.st_mode))
+    return Status::IOError("cannot lock " + path + ": its folder " + folder + " is not there");
+  const std::string locks = LockFolder();
+  if (mkdir(locks.c_str(), 01777) == 0) {
+    chmod(locks.c_str(), 01777);  // shared by writers of every user; the umask would narrow it
+  } else if (errno != EEXIST) {
+    return Status::IOError("cannot create the lock folder " + locks + ": " + std::strerror(errno));
+  }
+  // The folder's identity, not its spelling: every path to the file finds
+  // the same lock. A long name is hashed to stay within a file name's limit.
+  std::string name = BaseName(path);
+  if (name.size() > 180) {
+    uint64_t h = 1469598103934665603ull;  // FNV-1a
+    for (unsigned char c : name) h = (h ^ c) * 1099511628211ull;
+    name = "hash-" + std::to_string(h);
+  }
+  *lock_path = locks + "/" + std::to_string(static_cast<uint64_t>(st.st_dev)) + "-" +
+               std::to_string(static_cast<uint64_t>(st.st_ino)) + "-" + name + ".lock";
+  return Status::OK();
+}
+
 void SetLockTimeout(std::chrono::milliseconds timeout) {
   lock_timeout_ms.store(std::max<long long>(0, timeout.count()));
 }
@@ -174,20 +212,20 @@ FileLock::FileLock(const std::string& path, std::chrono::milliseconds timeout) :
     nominal_ = true;
     return;
   }
-  const std::string lock_path = path + ".lock";
-  // A folder linked out of the root would have the lock file created
-  // elsewhere; the save it guards is refused there anyway.
-  const std::string folder = path.substr(0, path.find_last_of('/') + 1);
-  if (IsUnderRootName(path) && FileSystem::Default()->DirExists(folder.empty() ? "." : folder) &&
-      !IsInsideRoot(lock_path)) {
-    status_ = Status::IOError("not locked: " + lock_path + " leads outside the configuration root");
+  Status where = LockPathFor(path, &lock_path_);
+  if (!where.ok()) {
+    status_ = where;
     return;
   }
-  int fd = open(lock_path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
+  const std::string& lock_path = lock_path_;
+  // O_NOFOLLOW: the lock folder is shared, and a link planted under a
+  // lock's name must not make us create or truncate a file elsewhere.
+  int fd = open(lock_path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0666);
   if (fd < 0) {
     status_ = Status::IOError("cannot open " + lock_path + ": " + std::strerror(errno));
     return;
   }
+  fchmod(fd, 0666);  // writers of any user share the lock, whatever the umask
   const auto deadline = std::chrono::steady_clock::now() + timeout;
   std::chrono::microseconds pause = kFirstPause;
   for (;;) {
@@ -258,11 +296,11 @@ Status FileLock::WriteNotes(const std::string& extra) {
   while (done < text.size()) {
     ssize_t n = pwrite(fd_, text.data() + done, text.size() - done, static_cast<off_t>(done));
     if (n < 0 && errno == EINTR) continue;
-    if (n < 0) return Status::IOError("cannot note in " + path_ + ".lock: " + std::strerror(errno));
+    if (n < 0) return Status::IOError("cannot note in " + lock_path_ + ": " + std::strerror(errno));
     done += static_cast<size_t>(n);
   }
   if (ftruncate(fd_, static_cast<off_t>(text.size())) != 0)
-    return Status::IOError("cannot note in " + path_ + ".lock: " + std::strerror(errno));
+    return Status::IOError("cannot note in " + lock_path_ + ": " + std::strerror(errno));
   return Status::OK();
 }
 
@@ -318,7 +356,9 @@ void ReportToStderr(const std::string& line) {
 
 thread_local bool reporting = false;
 
-void ReportFailure(const std::string& path, const Status& s) {
+}  // namespace
+
+void ReportStoreFailure(const std::string& path, const Status& s) {
   const std::string line = "cannot save " + path + ": " + s.ToString();
   if (reporting) {  // a save from inside the reporter failed
     ReportToStderr(line);
@@ -333,8 +373,6 @@ void ReportFailure(const std::string& path, const Status& s) {
   }
   reporting = false;
 }
-
-}  // namespace
 
 void SetStoreReporter(StoreReporter reporter) {
   std::lock_guard<std::mutex> guard(ReporterMutex());
@@ -390,8 +428,8 @@ Status LoadDocument(const std::string& path, Document* doc, const Syntax& syntax
 
 Status SaveDocument(const std::string& path, const Document& doc, const Syntax& syntax) {
   if (IsReadOnly()) return Status::OK();
-  Status s = LockedSave::Write(path, doc.Serialize(syntax));
-  if (!s.ok()) ReportFailure(path, s);
+  Status s = LockedSave::Write(path, RenderEdited(doc, syntax));
+  if (!s.ok()) ReportStoreFailure(path, s);
   return s;
 }
 
@@ -408,7 +446,7 @@ Status UpdateUnderLock(const std::string& path, const std::function<bool(Documen
   // In read-only mode the change still runs: its caller computes from it
   // what it would hold after the save.
   if (!change || !change(doc) || readOnly) return Status::OK();
-  return LockedSave::Write(path, doc.Serialize(syntax));
+  return LockedSave::Write(path, RenderEdited(doc, syntax));
 }
 
 }  // namespace
@@ -416,7 +454,7 @@ Status UpdateUnderLock(const std::string& path, const std::function<bool(Documen
 Status UpdateDocument(const std::string& path, const std::function<bool(Document&)>& change,
                       const Syntax& syntax) {
   Status s = UpdateUnderLock(path, change, syntax);
-  if (!s.ok()) ReportFailure(path, s);  // the lock is free again: a slow reporter holds no one up
+  if (!s.ok()) ReportStoreFailure(path, s);  // the lock is free again: a slow reporter holds no one up
   return s;
 }
 

@@ -103,7 +103,7 @@ class FileSystem {
 // the store creates, renames or removes a file: SaveDocument and
 // UpdateDocument compute what they would write, write nothing and return
 // OK, so the operations built on them go on as if they had saved; a
-// FileLock takes no lock and creates no ".lock" file; the writes of
+// FileLock takes no lock and creates no lock file; the writes of
 // FileSystem::Default() (WriteFileAtomic, WriteFileAtomicVia, CreateDirs,
 // RemoveFile) fail with IOError "read-only mode: ..." without touching the
 // disk. Reads are unchanged. Process-wide and thread-safe; takes effect for
@@ -135,12 +135,26 @@ constexpr std::chrono::milliseconds kDefaultLockTimeout{5000};
 void SetLockTimeout(std::chrono::milliseconds timeout);
 std::chrono::milliseconds LockTimeout();
 
+// Where the store's locks live: outside the configuration root, so that a
+// write leaves no file in the root but the one it writes. $CMCFG_LOCK_DIR
+// when set; else /run/lock/cmcfg where /run/lock is writable; else
+// $TMPDIR (or /tmp) + "/cmcfg-locks". Every writer of one root must see the
+// same folder; it is created world-writable with the sticky bit, so writers
+// of every user share it, and cleared with the run-time folder at boot.
+std::string LockFolder();
+
+// The lock file of `path` in LockFolder() (created when missing): named by
+// the device and inode of path's folder and path's base name, so that every
+// spelling of the path (relative, through a link) finds the same lock.
+// IOError when path's folder is not there or the lock folder cannot be made.
+Status LockPathFor(const std::string& path, std::string* lock_path);
+
 // An exclusive advisory lock that guards a read-modify-write of one file
 // against other processes and other threads. It locks a companion file
-// (the target's path + ".lock"), never the target itself, because an atomic
-// save replaces the target's inode. It waits at most its timeout, polling
-// the lock (a wait cannot be bounded otherwise); a lock whose holder died
-// is free at once, since the kernel drops it with the holder.
+// (LockPathFor), never the target itself, because an atomic save replaces
+// the target's inode. It waits at most its timeout, polling the lock (a
+// wait cannot be bounded otherwise); a lock whose holder died is free at
+// once, since the kernel drops it with the holder.
 //
 // The lock file also notes the temporary file of a save in progress under
 // the lock (SaveDocument and UpdateDocument do it), so that a save cut short
@@ -166,9 +180,9 @@ class FileLock {
   // counts as had while the mode lasts (nothing can be written meanwhile).
   bool locked() const { return fd_ >= 0 || (nominal_ && IsReadOnly()); }
   // Why it was not had: TimedOut when another writer held it past the
-  // timeout; IOError when the lock file cannot be opened (a read-only or
-  // missing folder) or locked; InvalidArgument for an empty path. OK when
-  // locked.
+  // timeout; IOError when the lock file cannot be opened (a missing folder
+  // of the target, a lock folder that cannot be written) or locked;
+  // InvalidArgument for an empty path. OK when locked.
   const Status& status() const { return status_; }
 
  private:
@@ -177,6 +191,7 @@ class FileLock {
   Status WriteNotes(const std::string& extra);
 
   std::string path_;
+  std::string lock_path_;
   int fd_ = -1;
   bool nominal_ = false;  // made in read-only mode: no file, no lock
   Status status_;
@@ -196,12 +211,19 @@ using StoreReporter = std::function<void(const std::string& line)>;
 // default instead of re-entering it.
 void SetStoreReporter(StoreReporter reporter);
 
+// Reports through the installed reporter that `path` was not saved and why
+// ("cannot save PATH: " and the Status), for writers that refuse a change
+// before it reaches the file. Thread-safe.
+void ReportStoreFailure(const std::string& path, const Status& s);
+
 // Reads and parses a multi-section file. NotFound when missing; IOError when
 // unreadable or not a regular file. Parse problems are not errors: they are
 // in doc->diagnostics().
 Status LoadDocument(const std::string& path, Document* doc, const Syntax& syntax = Syntax());
 
-// Serializes and writes atomically. No lock is taken here; when the calling
+// Writes the document atomically, over the text it was read from where it
+// was read from a file (see RenderEdited: only the lines of what changed
+// differ). No lock is taken here; when the calling
 // thread holds the FileLock of `path`, the temporary file is noted in it (see
 // FileLock), so a crash mid-way leaves nothing behind for long. A failure is
 // also reported through the StoreReporter.

@@ -2,6 +2,7 @@
 #define CMCFG_PLATFORM_BLOCKS_BLOCKS_ACCESSOR_BASE_H_
 
 #include <algorithm>
+#include <functional>
 #include <memory>
 #include <new>
 #include <string>
@@ -77,11 +78,11 @@ class BlocksAccessorBase : public BlocksBase<Block> {
     if (!block) return nullptr;
     try {
       Block* raw = block.get();
-      cfg::Status status = cfg::UpdateDocument(path_, [&](cfg::Document& doc) {
+      cfg::Status status = Edit([&](cfg::Document& doc) {
         if (this->GetBlock(raw->id) != nullptr ||
             blocks::FindBlockSection(doc, raw->id) < doc.size())
           raw->id = std::max(this->NextId(), blocks::LargestBlockId(doc) + 1);
-        cfg::Section& section = doc.Add(blocks::SectionName(raw->id));
+        cfg::Section& section = doc.AddBeside(blocks::SectionName(raw->id));
         raw->Write(doc, section);
         return true;
       });
@@ -100,7 +101,7 @@ class BlocksAccessorBase : public BlocksBase<Block> {
   bool SaveBlock(const Block* block) {
     if (block == nullptr || this->GetBlock(block->id) != block) return false;
     try {
-      cfg::Status status = cfg::UpdateDocument(path_, [&](cfg::Document& doc) {
+      cfg::Status status = Edit([&](cfg::Document& doc) {
         size_t index = blocks::FindBlockSection(doc, block->id);
         if (index == doc.size()) doc.Add(blocks::SectionName(block->id));
         block->Write(doc, doc[index]);
@@ -117,7 +118,7 @@ class BlocksAccessorBase : public BlocksBase<Block> {
   bool DeleteBlock(unsigned long id) {
     try {
       bool erased = false;
-      cfg::Status status = cfg::UpdateDocument(path_, [&](cfg::Document& doc) {
+      cfg::Status status = Edit([&](cfg::Document& doc) {
         erased = blocks::EraseBlockSections(&doc, id) > 0;
         return erased;
       });
@@ -132,7 +133,47 @@ class BlocksAccessorBase : public BlocksBase<Block> {
     }
   }
 
+  // Runs `body` as one change of the file, decided on the file as it is
+  // now: takes the file's lock, reads the blocks from the file again (as
+  // Load does: block pointers handed out before are invalid) and runs
+  // `body`, whose InsertBlock, SaveBlock and DeleteBlock go into that
+  // reading; it is saved once, atomically, when body returns true. OK, or
+  // why nothing was saved (also reported through the store's reporter).
+  // Within a change, a nested Update just runs its body.
+  cfg::Status Update(const std::function<bool()>& body) {
+    if (changing_ != nullptr) {
+      body();
+      return cfg::Status::OK();
+    }
+    try {
+      return cfg::UpdateDocument(path_, [&](cfg::Document& doc) {
+        ReadBlocks(doc);
+        changing_ = &doc;
+        changed_ = false;
+        bool keep = false;
+        try {
+          keep = body();
+        } catch (...) {
+          changing_ = nullptr;
+          throw;
+        }
+        changing_ = nullptr;
+        return keep && changed_;
+      });
+    } catch (...) {  // out of memory
+      return cfg::Status::IOError("out of memory");
+    }
+  }
+
  private:
+  // Applies `edit` to the file: within Update to its reading, otherwise as
+  // a locked read-modify-write of its own.
+  cfg::Status Edit(const std::function<bool(cfg::Document&)>& edit) {
+    if (changing_ == nullptr) return cfg::UpdateDocument(path_, edit);
+    if (edit(*changing_)) changed_ = true;
+    return cfg::Status::OK();
+  }
+
   void ReadBlocks(const cfg::Document& doc) {
     this->blocks_.clear();
     std::unordered_set<unsigned long> seen;
@@ -147,6 +188,8 @@ class BlocksAccessorBase : public BlocksBase<Block> {
   }
 
   const std::string path_;
+  cfg::Document* changing_ = nullptr;  // the reading of the Update under way
+  bool changed_ = false;
 };
 
 #endif  // CMCFG_PLATFORM_BLOCKS_BLOCKS_ACCESSOR_BASE_H_

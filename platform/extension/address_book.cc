@@ -6,6 +6,7 @@
 #include "platform/base/file_system.h"
 #include "platform/base/value_codec.h"
 #include "platform/extension/extension_rep.h"
+#include "platform/extension/value_rules.h"
 
 namespace {
 
@@ -138,16 +139,47 @@ bool SupServAccessor::Load(unsigned mask) {
   return rep_->owner->doc.Find(extdb::ContactSection(rep_->block->id)) != nullptr;
 }
 
+namespace {
+
+// A forward destination this store adds must read back as written; those
+// already in the file are not the writer's to judge.
+cfg::Status CheckAddedDestinations(const SupServAccessor& in, const cfg::Document& doc,
+                                   unsigned long id, unsigned mask) {
+  for (unsigned bit : {0x040u, 0x080u, 0x100u}) {
+    if (!(mask & bit)) continue;
+    const SSForwardParams& forward = bit == 0x040   ? in.forwardUnconditional
+                                     : bit == 0x080 ? in.forwardNoAnswer
+                                                    : in.forwardBusy;
+    const cfg::Section* section = doc.Find(extdb::ServiceSection(id, extdb::ServiceName(bit)));
+    std::set<std::string> stored;
+    if (section != nullptr)
+      extdb::ForNumberedKeys(*section, "destination_",
+                             [&](std::string_view v) { stored.insert(std::string(v)); });
+    for (const AddrInfo& info : forward.destinations) {
+      if (stored.count(extdb::FormatAddressEntry(info))) continue;
+      cfg::Status s = extdb::CheckDestination(info.type, info.address);
+      if (!s.ok()) return s;
+    }
+  }
+  return cfg::Status::OK();
+}
+
+}  // namespace
+
 bool SupServAccessor::Store(unsigned mask) {
-  if (rep_->owner == nullptr || !extdb::CanWriteServices(*this, mask)) return false;
+  if (rep_->owner == nullptr) return false;
   const AddressPatternBlock& block = *rep_->block;
-  cfg::Status s = cfg::UpdateDocument(rep_->owner->path, [&](cfg::Document& doc) {
-    // Re-read under the lock: only this contact's services of `mask` change.
-    if (doc.Find(extdb::ContactSection(block.id)) == nullptr) extdb::WriteContact(block, &doc);
+  cfg::Status s = rep_->owner->Write([&](cfg::Document& doc) {
+    if (!extdb::CanWriteServices(*this, mask))
+      return cfg::Status::InvalidArgument(
+          "a hunt target or many-ringing number holds a comma; it would be read as two");
+    // A contact another writer removed is not brought back.
+    if (doc.Find(extdb::ContactSection(block.id)) == nullptr)
+      return cfg::Status::NotFound(extdb::ContactSection(block.id) + " is no longer in the file");
+    cfg::Status added = CheckAddedDestinations(*this, doc, block.id, mask);
+    if (!added.ok()) return added;
     extdb::WriteServices(*this, block.id, mask & kAllServices, &doc);
-    return true;
+    return cfg::Status::OK();
   });
-  if (!s.ok()) return false;
-  rep_->owner->Read();
-  return true;
+  return s.ok();
 }

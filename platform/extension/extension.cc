@@ -1,10 +1,14 @@
+#include <functional>
+#include <memory>
 #include <optional>
 #include <utility>
 
 #include "platform/base/file_system.h"
 #include "platform/extension/extension_rep.h"
+#include "platform/extension/value_rules.h"
 
 bool Extension::Rep::Read() {
+  if (changing) return readable;
   cfg::Document fresh;
   readable = cfg::LoadDocument(path, &fresh).ok();
   doc = std::move(fresh);  // empty after a failed read: nothing stale is decoded
@@ -15,7 +19,18 @@ bool Extension::Rep::Read() {
   return true;
 }
 
-Extension::Extension() : rep_(new Rep) {}
+cfg::Status Extension::Rep::Write(const std::function<cfg::Status(cfg::Document&)>& edit) {
+  if (!changing) return self->Update([&] { return Write(edit).ok(); });
+  cfg::Status s = edit(doc);
+  if (s.ok()) {
+    changed = true;
+  } else if (refused.ok()) {
+    refused = s;
+  }
+  return s;
+}
+
+Extension::Extension() : rep_(new Rep) { rep_->self = this; }
 
 Extension::~Extension() = default;
 
@@ -112,19 +127,63 @@ bool Extension::AddBlock(unsigned property, AddressPatternBlock* block) {
   std::unique_ptr<AddressPatternBlock> owned(block);
   if (property != kPropAddressPatterns || block == nullptr) return false;
   LoadProperty(kPropAddressPatterns);
+  if (rep_->addressBook == nullptr) return false;
   AddressPatternParams::Rep& book = *rep_->addressBook->rep_;
-  cfg::Status s = cfg::UpdateDocument(rep_->path, [&](cfg::Document& doc) {
+  cfg::Status s = rep_->Write([&](cfg::Document& doc) {
+    cfg::Status name = extdb::CheckContactName(block->callType, block->name);
+    if (!name.ok()) return name;
     // Another process may have added contacts since we read the file:
     // never reuse an id the file already has.
     while (doc.Find(extdb::ContactSection(block->id)) != nullptr) block->id = book.nextId++;
     extdb::WriteContact(*block, &doc);
-    return true;
+    return cfg::Status::OK();
   });
   if (!s.ok()) return false;
   if (block->id >= book.nextId) book.nextId = block->id + 1;
   book.blocks.push_back(std::move(owned));
-  rep_->Read();
   return true;
+}
+
+cfg::Status Extension::Update(const std::function<bool()>& body) {
+  Rep& r = *rep_;
+  if (r.changing) {
+    body();
+    return r.refused;
+  }
+  r.refused = cfg::Status::OK();
+  cfg::Status gone;
+  cfg::Status s = cfg::UpdateDocument(r.path, [&](cfg::Document& doc) {
+    // An extension removed meanwhile is not brought back by a change to it.
+    if (doc.empty() && doc.source().empty() && !cfg::FileSystem::Default()->FileExists(r.path)) {
+      gone = cfg::Status::NotFound(r.path + " is gone");
+      return false;
+    }
+    std::swap(r.doc, doc);
+    r.readable = true;
+    r.changing = true;
+    r.changed = false;
+    const unsigned loaded = r.loaded;
+    r.loaded = 0;
+    LoadProperty(loaded);  // decided on the file as it is now
+    bool keep = false;
+    try {
+      keep = body();
+    } catch (...) {
+      r.changing = false;
+      std::swap(r.doc, doc);
+      throw;
+    }
+    r.changing = false;
+    std::swap(r.doc, doc);
+    return keep && r.changed && r.refused.ok();
+  });
+  ReloadProperty(r.loaded);  // what was stored, or what is there
+  if (!gone.ok()) return gone;
+  if (!r.refused.ok()) {
+    cfg::ReportStoreFailure(r.path, r.refused);
+    return r.refused;
+  }
+  return s;
 }
 
 CHAttendant::CHAttendant() = default;

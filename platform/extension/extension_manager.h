@@ -2,12 +2,14 @@
 #define CMCFG_PLATFORM_EXTENSION_EXTENSION_MANAGER_H_
 
 #include <cstddef>
+#include <functional>
 #include <list>
 #include <map>
 #include <memory>
 #include <string>
 
 #include "cmcfg/types.h"
+#include "platform/base/status.h"
 #include "platform/extension/ext_params.h"
 #include "platform/extension/ss_params.h"
 
@@ -91,8 +93,23 @@ class Extension {
   AddressPatternParams* GetAddressPatternParams();
 
   // Adds a block to a property and stores it; property 2 takes an
-  // AddressPatternBlock. False when the store failed.
+  // AddressPatternBlock, whose id moves past every id the file holds when
+  // another writer took it meanwhile. Takes ownership. False, nothing
+  // stored and the block deleted, when the store failed or refused the
+  // contact's name (see value_rules.h; the refusal is reported).
   bool AddBlock(unsigned property, AddressPatternBlock* block);
+
+  // Runs `body` as one change of the extension's file, decided on the file
+  // as it is now: takes the file's lock, reads the file again (every block,
+  // contact and accessor handed out is refreshed from that reading, as by
+  // ReloadProperty of what is loaded) and runs `body`. The writes body makes
+  // (AddBlock, SupServAccessor::Store) go into that reading, which is saved
+  // once, atomically, when body returns true; false writes nothing. Then
+  // the file is read again. OK, or why nothing was saved: the lock not had
+  // in time, the file gone or unreadable, a value refused, the save failed;
+  // each is also reported through the store's reporter. Within a change,
+  // a nested Update just runs its body. Not thread-safe (as the extension).
+  cfg::Status Update(const std::function<bool()>& body);
 
   struct Rep;  // the library's own
 
@@ -193,11 +210,14 @@ class SupServAccessor {
   // Reads the services from the extension's file (all, or those of mask).
   bool LoadAll();
   bool Load(unsigned mask);
-  // Writes the services of mask back to the extension's file, atomically,
-  // under the file's lock (other contacts and services are re-read, not
-  // overwritten). False, the file untouched, when it cannot be written or
-  // a hunt target's or many-ringing number holds a comma (the next read
-  // would split it).
+  // Writes the services of mask back to the extension's file: within
+  // Extension::Update into its reading, otherwise as an Update of its own.
+  // Only the keys whose values differ from the file's are written; other
+  // contacts and services stay. False, nothing written, when the contact is
+  // no longer in the file, the file cannot be written, or a value would
+  // not read back as written (an added forward destination that fails
+  // CheckDestination, a hunt target's or many-ringing number with a
+  // comma); a refusal is reported through the store's reporter.
   bool Store(unsigned mask);
 
   SSClirParams clir;

@@ -1,6 +1,7 @@
 #ifndef CMCFG_PLATFORM_EXTENSION_EXTENSION_REP_H_
 #define CMCFG_PLATFORM_EXTENSION_EXTENSION_REP_H_
 
+#include <functional>
 #include <list>
 #include <map>
 #include <memory>
@@ -68,16 +69,18 @@ const cfg::KeyRules* SpeedDialRules(std::string_view name, unsigned long* id);
 const cfg::KeyRules& ContactRules();
 const cfg::KeyRules* ServiceSectionRules(std::string_view name, unsigned long* id);
 
-// Calls visit(value) for the entries of `section` whose key is `prefix`
-// followed by a number ("destination_1", "destination_2", ...), in file
-// order.
+// True for a key that is `prefix` followed by a number ("destination_1").
+inline bool IsNumberedKey(std::string_view key, std::string_view prefix) {
+  return key.size() > prefix.size() && key.substr(0, prefix.size()) == prefix &&
+         key.find_first_not_of("0123456789", prefix.size()) == std::string_view::npos;
+}
+
+// Calls visit(value) for the entries of `section` with a numbered key of
+// `prefix`, in file order.
 template <typename Visit>
 void ForNumberedKeys(const cfg::Section& section, std::string_view prefix, Visit visit) {
-  for (const cfg::Entry& entry : section.entries) {
-    if (entry.key.size() <= prefix.size() || entry.key.substr(0, prefix.size()) != prefix) continue;
-    if (entry.key.find_first_not_of("0123456789", prefix.size()) != std::string_view::npos) continue;
-    visit(entry.value);
-  }
+  for (const cfg::Entry& entry : section.entries)
+    if (IsNumberedKey(entry.key, prefix)) visit(entry.value);
 }
 
 }  // namespace extdb
@@ -112,8 +115,19 @@ struct Extension::Rep {
   std::unique_ptr<AddressPatternParams> addressBook;  // made when first loaded
 
   // Reads the file; false when it is missing or unreadable (the document
-  // is then empty and `readable` false).
+  // is then empty and `readable` false). Within an Update the reading made
+  // under the lock stays: true.
   bool Read();
+
+  // Applies `edit` to the file: within an Update to its reading, otherwise
+  // as an Update of its own. A failed edit (a refused value) fails the
+  // whole Update.
+  cfg::Status Write(const std::function<cfg::Status(cfg::Document&)>& edit);
+
+  Extension* self = nullptr;
+  bool changing = false;  // within Update: `doc` is the reading under the lock
+  bool changed = false;   // an edit went into that reading
+  cfg::Status refused;    // the first edit that failed within it
 };
 
 struct AddressPatternParams::Rep {

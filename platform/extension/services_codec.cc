@@ -1,5 +1,7 @@
 // The supplementary services of an address-book contact in the extension
 // file: one section per service, "contact ID SERVICE".
+#include <algorithm>
+#include <cstdint>
 #include <iterator>
 #include <string>
 #include <utility>
@@ -118,7 +120,101 @@ void ReadService(const cfg::Section& section, unsigned bit, SupServAccessor* out
   }
 }
 
-// Puts the service's keys into an emptied section.
+// The number of a numbered key ("destination_12" -> 12), or 0.
+unsigned long KeyNumber(std::string_view key, std::string_view prefix) {
+  unsigned long n = 0;
+  if (!IsNumberedKey(key, prefix) || !ParseValue(key.substr(prefix.size()), &n)) return 0;
+  return n;
+}
+
+// Makes the numbered entries `prefix`N of `section` read as `values`, in
+// order, changing as few lines as possible: entries whose value stays are
+// kept, a changed value is set in its own entry, and an added value gets a
+// new entry right after the one before it, numbered past every number in
+// use (the reader takes them in file order, whatever their numbers).
+void SetNumbered(cfg::Document* doc, cfg::Section* section, std::string_view prefix,
+                 const std::vector<std::string>& values) {
+  cfg::EntryList& entries = section->entries;
+  std::vector<size_t> old;  // indices of the numbered entries, in file order
+  unsigned long next = 1;
+  for (size_t i = 0; i < entries.size(); ++i) {
+    if (!IsNumberedKey(entries[i].key, prefix)) continue;
+    old.push_back(i);
+    next = std::max(next, KeyNumber(entries[i].key, prefix) + 1);
+  }
+  if (!section->verbatim().empty()) {
+    // Verbatim lines stand at entry positions, which a rebuilt list would
+    // move: the numbered entries are written afresh at the end instead.
+    std::vector<std::string> keys;
+    for (const size_t i : old) keys.emplace_back(entries[i].key);
+    for (const std::string& key : keys) doc->Remove(*section, key);
+    unsigned long n = 0;
+    for (const std::string& v : values) doc->Set(*section, std::string(prefix) + std::to_string(++n), v);
+    return;
+  }
+  // Longest common subsequence of the old and new values: those stay.
+  const size_t m = old.size(), k = values.size();
+  std::vector<std::vector<uint16_t>> lcs(m + 1, std::vector<uint16_t>(k + 1, 0));
+  for (size_t i = m; i-- > 0;)
+    for (size_t j = k; j-- > 0;)
+      lcs[i][j] = entries[old[i]].value == values[j]
+                      ? static_cast<uint16_t>(lcs[i + 1][j + 1] + 1)
+                      : std::max(lcs[i + 1][j], lcs[i][j + 1]);
+  // Walk both lists; between two kept entries, old entries take the new
+  // values in place, and what is left over is removed or added.
+  std::vector<std::vector<std::string>> added_after(m + 1);  // [m]: before the first
+  std::vector<bool> removed(m, false);
+  std::vector<size_t> gap_old;
+  std::vector<size_t> gap_new;
+  size_t last = m;  // the old entry new ones follow; m: none yet
+  auto close_gap = [&] {
+    size_t pairs = std::min(gap_old.size(), gap_new.size());
+    for (size_t p = 0; p < pairs; ++p) {
+      entries[old[gap_old[p]]].value = doc->Intern(values[gap_new[p]]);
+      last = gap_old[p];
+    }
+    for (size_t p = pairs; p < gap_old.size(); ++p) removed[gap_old[p]] = true;
+    for (size_t p = pairs; p < gap_new.size(); ++p) added_after[last].push_back(values[gap_new[p]]);
+    gap_old.clear();
+    gap_new.clear();
+  };
+  size_t i = 0, j = 0;
+  while (i < m || j < k) {
+    if (i < m && j < k && entries[old[i]].value == values[j]) {
+      close_gap();
+      last = i;
+      ++i;
+      ++j;
+    } else if (j == k || (i < m && lcs[i + 1][j] >= lcs[i][j + 1])) {
+      gap_old.push_back(i++);
+    } else {
+      gap_new.push_back(j++);
+    }
+  }
+  close_gap();
+  cfg::EntryList rebuilt(entries.get_allocator());
+  rebuilt.reserve(entries.size() + values.size());
+  auto add = [&](const std::vector<std::string>& texts) {
+    for (const std::string& v : texts)
+      rebuilt.push_back(cfg::Entry{doc->Intern(std::string(prefix) + std::to_string(next++)),
+                                   doc->Intern(v), 0});
+  };
+  size_t o = 0;
+  for (size_t e = 0; e < entries.size(); ++e) {
+    if (o < m && old[o] == e) {
+      if (o == 0) add(added_after[m]);
+      if (!removed[o]) rebuilt.push_back(entries[e]);
+      add(added_after[o]);
+      ++o;
+    } else {
+      rebuilt.push_back(entries[e]);
+    }
+  }
+  if (m == 0) add(added_after[m]);
+  entries = std::move(rebuilt);
+}
+
+// Makes `section` read as the service's values, changing only what differs.
 void WriteService(const SupServAccessor& in, unsigned bit, cfg::Document* doc,
                   cfg::Section* section) {
   switch (bit) {
@@ -128,10 +224,10 @@ void WriteService(const SupServAccessor& in, unsigned bit, cfg::Document* doc,
     case 0x008: cfg::WriteFields(in.distRinging, kDistRingFields, doc, section); break;
     case 0x010: {
       cfg::WriteFields(in.hunt, kHuntFields, doc, section);
-      int n = 0;
+      std::vector<std::string> targets;
       for (const auto& target : in.hunt.targets)
-        doc->Set(*section, "target_" + std::to_string(++n),
-                 target.first + "," + FormatValue(target.second));
+        targets.push_back(target.first + "," + FormatValue(target.second));
+      SetNumbered(doc, section, "target_", targets);
       break;
     }
     case 0x020: cfg::WriteFields(in.manyRinging, kManyFields, doc, section); break;
@@ -140,10 +236,15 @@ void WriteService(const SupServAccessor& in, unsigned bit, cfg::Document* doc,
     case 0x100: {
       const SSForwardParams& forward = ForwardOf(in, bit);
       cfg::WriteFields(forward, kForwardFields, doc, section);
-      if (forward.hasText) doc->Set(*section, "text", forward.text);
-      int n = 0;
+      if (forward.hasText) {
+        doc->Set(*section, "text", forward.text);
+      } else {
+        doc->Remove(*section, "text");
+      }
+      std::vector<std::string> destinations;
       for (const AddrInfo& info : forward.destinations)
-        doc->Set(*section, "destination_" + std::to_string(++n), FormatAddressEntry(info));
+        destinations.push_back(FormatAddressEntry(info));
+      SetNumbered(doc, section, "destination_", destinations);
       break;
     }
     case 0x200: cfg::WriteFields(in.intercom, kIntercomFields, doc, section); break;
@@ -251,11 +352,7 @@ void WriteServices(const SupServAccessor& in, unsigned long id, unsigned mask, c
     if (!(mask & s.bit)) continue;
     const std::string name = ServiceSection(id, s.name);
     cfg::Section* section = doc->Find(name);
-    if (section == nullptr) {
-      section = &doc->Add(name);
-    } else {
-      section->entries.clear();
-    }
+    if (section == nullptr) section = &doc->AddBeside(name);
     WriteService(in, s.bit, doc, section);
   }
 }
@@ -263,7 +360,7 @@ void WriteServices(const SupServAccessor& in, unsigned long id, unsigned mask, c
 void WriteContact(const AddressPatternBlock& block, cfg::Document* doc) {
   const std::string name = ContactSection(block.id);
   cfg::Section* section = doc->Find(name);
-  if (section == nullptr) section = &doc->Add(name);
+  if (section == nullptr) section = &doc->AddBeside(name);
   doc->Set(*section, "name", block.name);
   doc->Set(*section, "call_type", FormatValue(block.callType));
 }

@@ -11,6 +11,7 @@
 
 #include "cmcfg/cm_agent.h"
 #include "tests/support/agent_fixture.h"
+#include "tests/support/lock_files.h"
 
 namespace {
 
@@ -78,7 +79,7 @@ TEST_F(ConcurrentWriteBackTest, TwoProcessesBlockingContactsLoseNothing) {
       EXPECT_EQ(1, entry.second.clir.active);
     }
   }
-  EXPECT_EQ("", root_.Read("telephony/extensiondb/user/101.cfg.lock"));  // nothing left noted
+  EXPECT_EQ("", testing_support::ReadLock(root_, "telephony/extensiondb/user/101.cfg"));  // nothing left noted
 }
 
 }  // namespace

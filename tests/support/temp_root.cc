@@ -43,12 +43,17 @@ TempRoot::TempRoot() {
   SaveEnv("CMCFG_LOG_DIR", &saved_log_dir_, &had_log_dir_);
   setenv("ORBA_PATH", path_.c_str(), 1);
   setenv("CMCFG_LOG_DIR", path_.c_str(), 1);
+  locks_ = templ + ".locks";
+  SaveEnv("CMCFG_LOCK_DIR", &saved_lock_dir_, &had_lock_dir_);
+  setenv("CMCFG_LOCK_DIR", locks_.c_str(), 1);
 }
 
 TempRoot::~TempRoot() {
   RestoreEnv("ORBA_PATH", saved_root_, had_root_);
   RestoreEnv("CMCFG_LOG_DIR", saved_log_dir_, had_log_dir_);
+  RestoreEnv("CMCFG_LOCK_DIR", saved_lock_dir_, had_lock_dir_);
   std::error_code ec;
+  fs::remove_all(locks_, ec);
   // Tests may leave read-only files or folders behind; make them removable.
   for (auto& entry : fs::recursive_directory_iterator(path_, ec))
     fs::permissions(entry.path(), fs::perms::owner_all, fs::perm_options::add, ec);
@@ -78,3 +83,4 @@ void TempRoot::MakeDir(const std::string& relative) const {
 }
 
 }  // namespace testing_support
+

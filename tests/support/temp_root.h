@@ -7,8 +7,9 @@ namespace testing_support {
 
 // A configuration root in a fresh temporary folder, removed with the object.
 // It points "ORBA_PATH" at itself (with the trailing slash the agent expects)
-// and sends relative log files ("CMCFG_LOG_DIR") into the same folder, and
-// restores both variables when destroyed.
+// sends relative log files ("CMCFG_LOG_DIR") into the same folder and the
+// store's locks ("CMCFG_LOCK_DIR") into a folder beside it, and restores
+// the variables when destroyed.
 class TempRoot {
  public:
   TempRoot();
@@ -34,6 +35,9 @@ class TempRoot {
   bool had_root_ = false;
   std::string saved_log_dir_;
   bool had_log_dir_ = false;
+  std::string locks_;
+  std::string saved_lock_dir_;
+  bool had_lock_dir_ = false;
 };
 
 }  // namespace testing_support

@@ -8,6 +8,7 @@
 #include <sstream>
 #include <vector>
 
+#include "tests/support/lock_files.h"
 #include "tests/support/temp_root.h"
 #include "tests/tools/tool_test_util.h"
 #include "tools/cli.h"
@@ -121,14 +122,12 @@ TEST_F(WriteBackVerbsTest, ForwardToggleFlipsTheStoredFlag) {
   ASSERT_EQ(0, Run({"forward", "109", "toggle"}));
   EXPECT_EQ(0, Contact(Reloaded("109"), "*")["forward_unconditional"]["active"]);
 
-  // The store refuses the save (its lock cannot be taken); the operation
-  // still reports success, so the verb warns.
-  std::filesystem::remove(root_.Path(std::string(kManager) + ".lock"));
-  root_.MakeDir(std::string(kManager) + ".lock");
+  // The store refuses the save (its lock cannot be taken): a failure.
+  std::filesystem::remove(testing_support::LockOf(root_, kManager));
+  std::filesystem::create_directories(testing_support::LockOf(root_, kManager));
   const std::string stored = root_.Read(kManager);
-  EXPECT_EQ(0, Run({"forward", "109", "toggle"}));
-  EXPECT_EQ("cmcfg: warning: the operation succeeded but the file of 109 does not hold the "
-            "change (see cmcfg.log)\n",
+  EXPECT_EQ(1, Run({"forward", "109", "toggle"}));
+  EXPECT_EQ("cmcfg: forward 109 toggle: the forward could not be stored (see cmcfg.log)\n",
             Err());
   EXPECT_EQ(stored, root_.Read(kManager));
 }
@@ -194,7 +193,8 @@ TEST_F(WriteBackVerbsTest, BlockAnExistingContactKeepsItsOtherServices) {
 }
 
 TEST_F(WriteBackVerbsTest, BlockFailuresAndUsage) {
-  root_.MakeDir(std::string(kManager) + ".lock");  // the save cannot take its lock
+  // The save cannot take its lock.
+  std::filesystem::create_directories(testing_support::LockOf(root_, kManager));
   const std::string stored = root_.Read(kManager);
   EXPECT_EQ(1, Run({"block", "109", "5551234", "--incoming"}));
   EXPECT_EQ("cmcfg: could not add 5551234 to the incoming black list of 109: the contact or its "

@@ -19,6 +19,7 @@
 #include <vector>
 
 #include "platform/base/posix_file_system.h"
+#include "tests/support/lock_files.h"
 #include "tests/support/temp_root.h"
 
 namespace cfg {
@@ -223,7 +224,7 @@ TEST_F(FileSystemTest, WriteFileAtomicReplacesContentsAndKeepsMode) {
 TEST_F(FileSystemTest, FailedSaveLeavesOldFileNoTempAndOneReport) {
   const std::string old_text = "section s\n{\nk = old\n}\n";
   root_.Write("f.cfg", old_text);
-  root_.Write("f.cfg.lock", "");
+  testing_support::WriteLock(root_, "f.cfg", "");
   const std::string path = root_.Path("f.cfg");
   Document doc;
   doc.Set(doc.Add("s"), "k", "new");
@@ -246,8 +247,8 @@ TEST_F(FileSystemTest, FailedSaveLeavesOldFileNoTempAndOneReport) {
 
       EXPECT_FALSE(s.ok());
       EXPECT_EQ(old_text, root_.Read("f.cfg"));
-      EXPECT_EQ((std::vector<std::string>{"f.cfg", "f.cfg.lock"}), Names());
-      EXPECT_EQ("", root_.Read("f.cfg.lock"));  // nothing left noted
+      EXPECT_EQ((std::vector<std::string>{"f.cfg"}), Names());
+      EXPECT_EQ("", testing_support::ReadLock(root_, "f.cfg"));  // nothing left noted
       std::vector<std::string> lines = reports.Take();
       ASSERT_EQ(1u, lines.size());
       EXPECT_EQ(0u, lines[0].find("cannot save " + path + ": ")) << lines[0];
@@ -272,8 +273,8 @@ TEST_F(FileSystemTest, ReportsGoToStderrUnlessAReporterIsSet) {
   close(saved);
   close(file);
   const std::string err = root_.Read("stderr");
-  EXPECT_EQ(0u, err.find("cmcfg store: cannot save " + bad + ": IOError: cannot open " + bad +
-                         ".lock")) << err;
+  EXPECT_EQ(0u, err.find("cmcfg store: cannot save " + bad + ": IOError: cannot lock " + bad))
+      << err;
   EXPECT_EQ(1, std::count(err.begin(), err.end(), '\n'));
 
   // Concurrent failures each give one whole line.
@@ -313,7 +314,7 @@ TEST_F(FileSystemTest, SavesUnderTheLockNoteTheirTemporary) {
   const std::string path = root_.Path("f.cfg");
   std::vector<std::string> noted;
   faulty.before_rename = [&](const std::string& temp) {
-    noted.push_back(root_.Read("f.cfg.lock") + "|" + temp.substr(root_.path().size()));
+    noted.push_back(testing_support::ReadLock(root_, "f.cfg") + "|" + temp.substr(root_.path().size()));
   };
   ASSERT_TRUE(UpdateDocument(path, Touch).ok());
   {
@@ -328,7 +329,7 @@ TEST_F(FileSystemTest, SavesUnderTheLockNoteTheirTemporary) {
     EXPECT_EQ(name + "\n|" + name, noted[i]);
   }
   EXPECT_EQ(0u, noted[2].find('|'));
-  EXPECT_EQ("", root_.Read("f.cfg.lock"));
+  EXPECT_EQ("", testing_support::ReadLock(root_, "f.cfg"));
 }
 
 TEST_F(FileSystemTest, NextWriterRemovesTheTemporaryOfACrashedSave) {
@@ -349,16 +350,16 @@ TEST_F(FileSystemTest, NextWriterRemovesTheTemporaryOfACrashedSave) {
   ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
   const std::string left = TempName("f.cfg", child).substr(0, std::string("f.cfg.").size() +
                                                                std::to_string(child).size());
-  ASSERT_EQ(3u, Names().size());
+  ASSERT_EQ(2u, Names().size());
   EXPECT_EQ(0u, Names()[1].find(left)) << Names()[1];
-  EXPECT_EQ(Names()[1] + "\n", root_.Read("f.cfg.lock"));
+  EXPECT_EQ(Names()[1] + "\n", testing_support::ReadLock(root_, "f.cfg"));
 
   // The next writer gets the lock at once and clears up, even when it
   // changes nothing.
   SetLockTimeout(std::chrono::milliseconds(0));
   ASSERT_TRUE(UpdateDocument(path, [](Document&) { return false; }).ok());
-  EXPECT_EQ((std::vector<std::string>{"f.cfg", "f.cfg.lock"}), Names());
-  EXPECT_EQ("", root_.Read("f.cfg.lock"));
+  EXPECT_EQ((std::vector<std::string>{"f.cfg"}), Names());
+  EXPECT_EQ("", testing_support::ReadLock(root_, "f.cfg"));
   EXPECT_EQ("section s\n{\nk = old\n}\n", root_.Read("f.cfg"));
 }
 
@@ -376,22 +377,22 @@ TEST_F(FileSystemTest, OnlyNotedTemporariesOfEndedWritersAreRemoved) {
   for (const std::string& name : {of_dead, of_self, of_live, unnoted, of_other, std::string("g.cfg")})
     root_.Write(name, "partial");
   // What the lock file names is checked before anything is removed.
-  root_.Write("f.cfg.lock", of_dead + "\n" + of_self + "\n" + of_live + "\n" + of_other +
+  testing_support::WriteLock(root_, "f.cfg", of_dead + "\n" + of_self + "\n" + of_live + "\n" + of_other +
                                 "\ng.cfg\n../" + of_dead + "\n" + root_.Path(of_dead) +
                                 "\n\ngarbage");
 
   ASSERT_TRUE(UpdateDocument(path, Touch).ok());
-  std::vector<std::string> expected = {"f.cfg", "f.cfg.lock", "g.cfg", of_live, of_other, unnoted};
+  std::vector<std::string> expected = {"f.cfg", "g.cfg", of_live, of_other, unnoted};
   std::sort(expected.begin(), expected.end());
   EXPECT_EQ(expected, Names());
-  EXPECT_EQ(of_live + "\n", root_.Read("f.cfg.lock"));  // noted for a later writer
+  EXPECT_EQ(of_live + "\n", testing_support::ReadLock(root_, "f.cfg"));  // noted for a later writer
 
   // Once the live writer has ended, the next writer removes its temporary.
   live.End();
   ASSERT_TRUE(UpdateDocument(path, Touch).ok());
   expected.erase(std::find(expected.begin(), expected.end(), of_live));
   EXPECT_EQ(expected, Names());
-  EXPECT_EQ("", root_.Read("f.cfg.lock"));
+  EXPECT_EQ("", testing_support::ReadLock(root_, "f.cfg"));
 }
 
 TEST_F(FileSystemTest, LoadDocumentReportsErrorsAndLeavesEmptyDocument) {
@@ -413,7 +414,7 @@ TEST_F(FileSystemTest, UpdateDocumentCreatesAndSavesOnlyWhenAsked) {
                 return true;
               }).ok());
   EXPECT_EQ("section s\n{\nk = v\n}\n", root_.Read("u.cfg"));
-  EXPECT_TRUE(root_.Exists("u.cfg.lock"));
+  EXPECT_FALSE(root_.Exists("u.cfg.lock"));  // locks live outside the root
   EXPECT_FALSE(UpdateDocument(root_.Path("no/such/dir.cfg"), [](Document&) { return true; }).ok());
 }
 
@@ -465,7 +466,8 @@ class LockHolder {
       alarm(60);  // never outlives a test that went wrong
       close(ready_[0]);
       close(release_[1]);
-      int fd = open((path + ".lock").c_str(), O_RDWR | O_CREAT, 0644);
+      std::string lock;
+      int fd = LockPathFor(path, &lock).ok() ? open(lock.c_str(), O_RDWR | O_CREAT, 0644) : -1;
       char c = fd >= 0 && flock(fd, LOCK_EX) == 0 ? 'y' : 'n';
       if (write(ready_[1], &c, 1) != 1) _exit(1);
       while (read(release_[0], &c, 1) > 0) {
@@ -512,7 +514,8 @@ TEST_F(FileSystemTest, LockWaitIsBounded) {
   Status s = UpdateDocument(path, [&](Document& d) { return called = Touch(d); });
   const auto waited = std::chrono::steady_clock::now() - start;
   EXPECT_TRUE(s.IsTimedOut()) << s.ToString();
-  EXPECT_NE(std::string::npos, s.message().find(path + ".lock")) << s.message();
+  EXPECT_NE(std::string::npos, s.message().find(testing_support::LockOf(root_, "f.cfg")))
+      << s.message();
   EXPECT_GE(waited, std::chrono::milliseconds(200));  // it did wait, then gave up
   EXPECT_FALSE(called);
   EXPECT_EQ("section s\n{\nk = old\n}\n", root_.Read("f.cfg"));

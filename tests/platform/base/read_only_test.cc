@@ -1,12 +1,14 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <fstream>
 #include <memory>
 #include <string>
 
 #include "platform/base/file_system.h"
 #include "platform/base/multi_section_file.h"
 #include "platform/base/posix_file_system.h"
+#include "tests/support/lock_files.h"
 #include "tests/support/temp_root.h"
 #include "tests/support/tree_snapshot.h"
 
@@ -31,7 +33,7 @@ class ReadOnlyTest : public ::testing::Test {
     const std::string temp = TempPathFor(Net());
     const std::string name = temp.substr(temp.rfind('/') + 1);
     root_.Write("conf/" + name, "half a sav");
-    root_.Write("conf/net.cfg.lock", name + "\n");
+    testing_support::WriteLock(root_, "conf/net.cfg", name + "\n");
     return "conf/" + name;
   }
 
@@ -152,10 +154,10 @@ TEST_F(ReadOnlyTest, ScopesNestAndTheModeIsOffByDefault) {
     EXPECT_TRUE(IsReadOnly());  // the inner scope put back the outer state
   }
   EXPECT_FALSE(IsReadOnly());
-  // Off, the store writes as it always did: the file and its lock file.
+  // Off, the store writes as it always did: the file, under its lock.
   EXPECT_TRUE(UpdateDocument(Net(), [](Document& doc) { return SetHost(doc, "b"); }).ok());
   EXPECT_NE(std::string::npos, root_.Read("conf/net.cfg").find("host = b"));
-  EXPECT_TRUE(root_.Exists("conf/net.cfg.lock"));
+  EXPECT_TRUE(std::ifstream(testing_support::LockOf(root_, "conf/net.cfg")).good());
   Document doc;
   SetHost(doc, "c");
   EXPECT_TRUE(SaveDocument(Conf() + "/new.cfg", doc).ok());
