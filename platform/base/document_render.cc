@@ -45,6 +45,7 @@ class Renderer {
     std::string replacement;
     std::string before;  // new text before the line
     std::string after;   // and after it
+    size_t owner = 0;    // for a section's last line: the section's header line
   };
 
   void Split();
@@ -52,7 +53,7 @@ class Renderer {
   void Rewrite(Line* line, std::string_view value);
   EntryStyle StyleOf(const Section* near) const;
   std::string NewEntry(const Entry& e, const EntryStyle& style) const;
-  std::string NewSection(const Section& section) const;
+  std::string NewSection(const Section& section, const Section* near) const;
   void Emit(std::string_view text, std::string* out) const;
 
   const Document& doc_;
@@ -105,14 +106,17 @@ bool Renderer::Run(std::string* out) {
   std::string top;        // new sections before any original one
   for (const Section& section : doc_.sections()) {
     if (section.line == 0) {
+      // Written in the style of the section it follows.
+      const Section* near = anchor != 0 ? section_at_[lines_[anchor].owner] : nullptr;
       if (anchor != 0) {
-        lines_[anchor].after += eol_ + NewSection(section);
+        lines_[anchor].after += eol_ + NewSection(section, near);
       } else {
-        top += NewSection(section) + eol_;
+        top += NewSection(section, near) + eol_;
       }
       continue;
     }
     if (!Place(section, &anchor)) return false;
+    lines_[anchor].owner = section.line;
     if (first_kept == 0) first_kept = section.line;
   }
   for (const Section& s : original_.sections()) {
@@ -190,7 +194,6 @@ void Renderer::Rewrite(Line* line, std::string_view value) {
   const size_t begin = static_cast<size_t>(t.value.data() - t.text.data());
   std::string& out = line->replacement;
   out.assign(t.text.substr(0, begin));
-  if (!value.empty() && !out.empty() && !IsBlank(out.back())) out.push_back(' ');
   AppendValue(value, &out);
   out.append(t.text.substr(begin + t.value.size()));
   out.append(line->raw.substr(t.text.size()));  // the line's own break
@@ -210,7 +213,6 @@ EntryStyle Renderer::StyleOf(const Section* near) const {
   style.indent.assign(sample->text.substr(0, key));
   style.between.assign(sample->text.substr(key + sample->name.size(),
                                            value - key - sample->name.size()));
-  if (style.between.empty() || !IsBlank(style.between.back())) style.between.push_back(' ');
   return style;
 }
 
@@ -222,11 +224,11 @@ std::string Renderer::NewEntry(const Entry& e, const EntryStyle& style) const {
   return out + eol_;
 }
 
-std::string Renderer::NewSection(const Section& section) const {
+std::string Renderer::NewSection(const Section& section, const Section* near) const {
   std::string out = markers_.keyword;
   if (!section.name.empty()) out.append(" ").append(section.name);
   out += eol_ + markers_.opener + eol_;
-  const EntryStyle style = StyleOf(nullptr);
+  const EntryStyle style = StyleOf(near);
   for (const Entry& e : section.entries) out += NewEntry(e, style);
   return out + markers_.closer + eol_;
 }

@@ -103,8 +103,11 @@ class BlocksAccessorBase : public BlocksBase<Block> {
     try {
       cfg::Status status = Edit([&](cfg::Document& doc) {
         size_t index = blocks::FindBlockSection(doc, block->id);
-        if (index == doc.size()) doc.Add(blocks::SectionName(block->id));
-        block->Write(doc, doc[index]);
+        if (index == doc.size()) {
+          doc.AddBeside(blocks::SectionName(block->id));
+          index = blocks::FindBlockSection(doc, block->id);
+        }
+        WriteChanged(*block, doc, doc[index]);
         return true;
       });
       return status.ok();
@@ -172,6 +175,21 @@ class BlocksAccessorBase : public BlocksBase<Block> {
     if (changing_ == nullptr) return cfg::UpdateDocument(path_, edit);
     if (edit(*changing_)) changed_ = true;
     return cfg::Status::OK();
+  }
+
+  // Sets the keys of `block` whose values differ from what `section` reads
+  // as now (a missing key as the default), so a save changes only the lines
+  // of what changed.
+  static void WriteChanged(const Block& block, cfg::Document& doc, cfg::Section& section) {
+    Block now;
+    now.Read(section);
+    cfg::Document scratch;
+    cfg::Section& want = scratch.Add("want");
+    block.Write(scratch, want);
+    cfg::Section& have = scratch.Add("have");
+    now.Write(scratch, have);
+    for (const cfg::Entry& e : scratch.Find("want")->entries)
+      if (!have.Has(e.key) || have.Get(e.key) != e.value) doc.Set(section, e.key, e.value);
   }
 
   void ReadBlocks(const cfg::Document& doc) {
