@@ -67,12 +67,14 @@ TEST_F(BlockAccessorsTest, TosBytesAreReadInDecimalOrHexAndWrittenInHex) {
   EXPECT_EQ(std::make_tuple(0x68, 0xB8), std::make_tuple(voice->signalingTos, voice->mediaTos));
   EXPECT_EQ(0, tos->GetBlockByName("bad")->signalingTos);
   EXPECT_EQ(nullptr, tos->GetBlockByName("Voice"));
+  voice->signalingTos = 0x2E;  // a changed value is written in hex; the rest stays as written
   ASSERT_TRUE(tos->SaveBlock(voice));
   TosParamsAccessor::CloseInstance();
 
   cfg::Document doc;
   ASSERT_TRUE(cfg::LoadDocument(root_.Path("telephony/tos.cfg"), &doc).ok());
-  EXPECT_EQ("0xB8", doc.Find("1")->Get("media_tos"));
+  EXPECT_EQ("0x2E", doc.Find("1")->Get("signaling_tos"));
+  EXPECT_EQ("184", doc.Find("1")->Get("media_tos"));
 }
 
 TEST_F(BlockAccessorsTest, SysMessageNamesAreLookedUpByNumber) {
