@@ -105,6 +105,8 @@ void CMAgent::Init(const char* logName, bool logFlag) {
   logStream = new LogStream(logName ? logName : "cmcfg.log", logFlag, false, 2147483647, 1, 2048, false);
 
   if (GeneralSettingsAccessor* settings = GeneralSettingsAccessor::GetInstance(false)) {
+    // Another thread's GetLogLevel may reload the shared instance meanwhile.
+    GeneralSettingsAccessor::Lock lock;
     if (settings->maxExtensions > baseCapacity) baseCapacity = settings->maxExtensions;
     if (baseCapacity > kMaxBaseCapacity) {
       CMCFG_TRACE(this, "Init: %u extensions asked for; the table holds at most %u.\n",

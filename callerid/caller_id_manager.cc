@@ -1,8 +1,13 @@
 #include "cmcfg/caller_id_manager.h"
 
+#include <algorithm>
+
 #include "cmcfg/system_records.h"
 
 namespace {
+
+// The longest caller-ID text Parse builds.
+constexpr size_t kMaxCallerIdText = 1024;
 
 bool IsAllowed(CallerIDManager::CallType type, char letter) {
   switch (letter) {
@@ -61,23 +66,32 @@ bool CallerIDManager::Parse(CallType type, const CallParams& caller, const Gener
   if (result == nullptr) return false;
   std::list<std::string> tokens;
   if (!Check(type, TemplateFor(type, data), tokens)) return false;
+  // No phone shows more; a template repeating a long name must not build
+  // megabytes.
+  size_t room = kMaxCallerIdText;
+  auto append = [&](const std::string& text) {
+    const size_t n = std::min(room, text.size());
+    result->append(text, 0, n);
+    room -= n;
+  };
   for (const std::string& token : tokens) {
+    if (room == 0) break;
     if (token.size() != 2 || token[0] != '%') {
-      result->append(token);
+      append(token);
       continue;
     }
     switch (token[1]) {
       case 'u':
-        result->append(caller.userName);
+        append(caller.userName);
         break;
       case 'd':
-        result->append(caller.displayName);
+        append(caller.displayName);
         break;
       case 'h':
-        result->append(caller.host);
+        append(caller.host);
         break;
       case 'a':
-        result->append(Address(type, caller));
+        append(Address(type, caller));
         break;
     }
   }

@@ -68,6 +68,7 @@ std::list<unsigned short> CasSlots(const std::string& slots, bool* cut) {
 bool CMAgent::GetPstnAgentData(bool createIfMissing) {
   GeneralSettingsAccessor* settings = GeneralSettingsAccessor::GetInstance(createIfMissing);
   if (settings == nullptr) return false;
+  GeneralSettingsAccessor::Lock lock;  // no reload by another thread meanwhile
   if (settings->fxoAgent != 0) {
     CMCFG_TRACE(this, "GetPstnAgentData: PSTN agent type is FXO.\n");
     generalData.pstnAgentType = 1;

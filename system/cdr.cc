@@ -18,6 +18,7 @@ bool CMAgent::GetCDRData(bool createIfMissing) {
   }
 
   CDRData& cdr = generalData.cdr;
+  GeneralSettingsAccessor::Lock lock;  // no reload by another thread meanwhile
   cdr.enabled = settings->cdrEnabled;
   cdr.statedRecords = settings->cdrStatedRecords;
   cdr.missedRecords = settings->cdrMissedRecords;

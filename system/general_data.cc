@@ -48,6 +48,7 @@ bool CMAgent::GetGeneralData(bool createIfMissing) {
     CMCFG_TRACE(this, "GetGeneralData: failed to load accessor.\n");
     return false;
   }
+  GeneralSettingsAccessor::Lock lock;  // no reload by another thread meanwhile
   GeneralData& g = generalData;
   g.systemPrefix = settings->systemPrefix;
   defaultUserName += settings->systemPrefix;

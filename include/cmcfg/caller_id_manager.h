@@ -29,8 +29,9 @@ class CMCFG_EXPORT CallerIDManager {
   // with the tokens read so far, when it holds a placeholder the call type
   // does not allow or ends in a lone '%'.
   bool Check(CallType type, const std::string& pattern, std::list<std::string>& tokens);
-  // Appends the caller-ID text for `caller` to `*result`; false (result
-  // untouched) without a result string or with an invalid template.
+  // Appends the caller-ID text for `caller` to `*result`, cut after its
+  // first 1,024 bytes; false (result untouched) without a result string or
+  // with an invalid template.
   bool Parse(CallType type, const CallParams& caller, const GeneralData& data,
              std::string* result);
 };

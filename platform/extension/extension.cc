@@ -66,10 +66,30 @@ bool Extension::HasSection(unsigned property) const {
 
 namespace {
 
-// Loaded properties always have their block (defaults for an absent section).
+// The properties an extension of each kind has: those its loader reads.
+// Another kind's property is missing, not a block of defaults. Attendants
+// keep every property: their records are read field by field.
+unsigned KindProperties(ExtType type) {
+  const unsigned kCommon = kPropSipSettings | kPropPersonalInfo | kPropCodecs;
+  switch (type) {
+    case kExtUser:
+      return kCommon | kPropServices | kPropTimeouts | kPropSpeedDial | kPropServiceCodes |
+             kPropBusyRedial | kPropPstnAgent | kPropAutoCall | kPropAddressPatterns;
+    case kExtPickup:
+    case kExtPaging:
+      return kCommon | kPropAccessList | kPropPickupGroup;
+    case kExtCallPark:
+      return kCommon | kPropCallPark;
+    default:
+      return ~0u;
+  }
+}
+
+// Loaded properties of the extension's kind always have their block
+// (defaults for an absent section).
 template <typename Block>
 Block* Loaded(const Extension::Rep& rep, unsigned property, std::optional<Block>& block) {
-  return (rep.loaded & property) && block ? &*block : nullptr;
+  return (rep.loaded & property & KindProperties(rep.type)) && block ? &*block : nullptr;
 }
 
 }  // namespace

@@ -42,6 +42,14 @@ TEST_F(CallerIdTest, AddressFallsBackOnlyForA) {
   EXPECT_EQ("[Call from Alice (101)", Text(CallerIDManager::kPstn, "Call from %a (%u)"));
 }
 
+TEST_F(CallerIdTest, TextIsCutAfter1024Bytes) {
+  caller_.userName = std::string(1000, 'u');
+  std::string pattern;
+  for (int i = 0; i < 150; ++i) pattern += "%u";
+  EXPECT_EQ("[" + std::string(1024, 'u'), Text(CallerIDManager::kLocal, pattern));
+  EXPECT_EQ("[" + std::string(1000, 'u') + "x", Text(CallerIDManager::kLocal, "%ux"));
+}
+
 TEST_F(CallerIdTest, HostOnlyForIpCalls) {
   EXPECT_EQ("[101 at pbx.example", Text(CallerIDManager::kIp, "%u at %h"));
   EXPECT_EQ("<invalid>[", Text(CallerIDManager::kLocal, "%h"));
