@@ -10,7 +10,12 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+#include <sstream>
 #include <cstdlib>
 #include <exception>
 #include <filesystem>
@@ -110,6 +115,73 @@ BENCHMARK(BM_Startup)
     ->UseRealTime()
     ->Iterations(1)
     ->Repetitions(3);
+
+// Start-up with logging on: general.cfg of the cached root is switched to
+// logging for the benchmark and put back afterwards; the log is removed
+// after each start-up (not timed), so it does not grow from run to run.
+class LoggingOn {
+ public:
+  explicit LoggingOn(const std::string& root) : path_(root + "telephony/general.cfg") {
+    std::ifstream in(path_);
+    std::stringstream text;
+    text << in.rdbuf();
+    original_ = text.str();
+    std::string on = original_;
+    const size_t at = on.find("log_enabled = 0");
+    if (at == std::string::npos) return;
+    on.replace(at, 15, "log_enabled = 1");
+    ok_ = static_cast<bool>(std::ofstream(path_) << on);
+  }
+  ~LoggingOn() {
+    if (ok_) std::ofstream(path_) << original_;
+  }
+  bool ok() const { return ok_; }
+
+ private:
+  std::string path_;
+  std::string original_;
+  bool ok_ = false;
+};
+
+void BM_StartupLogging(benchmark::State& state) {
+  const int users = static_cast<int>(state.range(0));
+  std::string root;
+  if (!UseRoot(state, users, &root)) return;
+  LoggingOn logging(root);
+  if (!logging.ok()) {
+    state.SkipWithError("cannot switch the root's logging on");
+    return;
+  }
+  const std::string log = bench_roots::CacheFolder() + "/log/cmcfg.log";
+  double seconds = 0;
+  size_t lines = 0;
+  for (auto _ : state) {
+    const auto start = std::chrono::steady_clock::now();
+    std::unique_ptr<CMAgent> agent(new CMAgent);
+    agent->Destroy();
+    const bool ok = agent->logEnabled && LoadedAll(state, *agent, users);
+    testing_support::ReleaseTables(*agent);
+    agent.reset();
+    seconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    std::ifstream in(log);
+    lines = static_cast<size_t>(std::count(std::istreambuf_iterator<char>(in), {}, '\n'));
+    std::remove(log.c_str());
+    if (!ok) {
+      state.SkipWithError("the agent did not log or did not load everything");
+      return;
+    }
+  }
+  state.counters["us_per_ext"] =
+      seconds * 1e6 / (static_cast<double>(state.iterations()) * static_cast<double>(users));
+  state.counters["log_lines"] = static_cast<double>(lines);
+}
+
+BENCHMARK(BM_StartupLogging)
+    ->Arg(1000)
+    ->Arg(10000)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime()
+    ->MinTime(2.0);
 
 // ------------------------------------------------------------ peak memory
 
@@ -261,5 +333,46 @@ BENCHMARK(BM_GetSipDataAfterDestroy)
     ->Arg(100000)
     ->Unit(benchmark::kMicrosecond)
     ->UseRealTime();
+
+// The queries that open their own helpers after Destroy, on a user bound
+// to an FXS port (an even index), whose cost must not grow with the
+// database. Arguments: users, then the query (0 LoadExtensionDB, 1
+// GetLineData, 2 GetCodecData); sizes outermost, so each agent starts once.
+void BM_QueryAfterDestroy(benchmark::State& state) {
+  const int users = static_cast<int>(state.range(0));
+  const int query = static_cast<int>(state.range(1));
+  static const char* const kNames[] = {"LoadExtensionDB", "GetLineData", "GetCodecData"};
+  state.SetLabel(kNames[query]);
+  std::string root;
+  if (!UseRoot(state, users, &root)) return;
+  CMAgent& agent = *AgentOver(users).agent;
+  if (!ProfileComplete(state, agent, users)) return;
+  const std::string name = bench_roots::UserNumber((users / 2) & ~1);
+  ExtensionData* record = const_cast<ExtensionData*>(Find(agent, name));
+  for (auto _ : state) {
+    bool ok = false;
+    const auto start = std::chrono::steady_clock::now();
+    if (query == 0) {
+      ok = agent.LoadExtensionDB(name, kExtUser) == 1;
+    } else if (query == 1) {
+      LineSettings line;
+      ok = agent.GetLineData(name, &line, nullptr) && line.gatewayId != INACTIVE_PARTY;
+    } else {
+      ok = agent.GetCodecData(record, nullptr);
+    }
+    state.SetIterationTime(
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
+    if (query == 0) agent.EraseExtension(agent.extensionBase.size() - 1, true, true);
+    if (!ok) {
+      state.SkipWithError("the query failed");
+      return;
+    }
+  }
+}
+
+BENCHMARK(BM_QueryAfterDestroy)
+    ->ArgsProduct({{1000, 10000, 100000}, {0, 1, 2}})
+    ->Unit(benchmark::kMicrosecond)
+    ->UseManualTime();
 
 }  // namespace
