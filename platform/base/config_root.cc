@@ -1,10 +1,17 @@
 #include "platform/base/config_root.h"
 
+#include <errno.h>
+#include <fcntl.h>
 #include <limits.h>
+#include <linux/openat2.h>
 #include <stdlib.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cstdlib>
+#include <memory>
+#include <mutex>
 
 namespace cfg {
 
@@ -97,6 +104,104 @@ bool OpenedInsideRoot(int fd, const std::string& path) {
   // The root itself may be reached through a link (or given relative).
   const std::string resolved_root = Resolved(root);
   return !resolved_root.empty() && Within(opened, resolved_root);
+}
+
+namespace {
+
+// The root's descriptor of the live scopes.
+struct RootHandle {
+  std::string root;  // ConfigRoot() when it was opened
+  int fd = -1;
+  ~RootHandle() {
+    if (fd >= 0) close(fd);
+  }
+};
+
+struct Scopes {
+  std::mutex mu;
+  int count = 0;
+  std::shared_ptr<RootHandle> handle;  // null until first needed
+};
+
+Scopes& TheScopes() {
+  static Scopes* scopes = new Scopes;  // never destroyed: used until exit
+  return *scopes;
+}
+
+std::atomic<bool> g_no_openat2{false};
+
+// The scopes' handle for `root`, opened on first use; null when no scope
+// lives or it was opened for another root.
+std::shared_ptr<RootHandle> HandleFor(const std::string& root) {
+  Scopes& scopes = TheScopes();
+  std::lock_guard<std::mutex> lock(scopes.mu);
+  if (scopes.count == 0) return nullptr;
+  if (scopes.handle == nullptr) {
+    auto handle = std::make_shared<RootHandle>();
+    handle->root = root;
+    handle->fd = open(root.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+    scopes.handle = std::move(handle);
+  }
+  if (scopes.handle->root != root || scopes.handle->fd < 0) return nullptr;
+  return scopes.handle;
+}
+
+}  // namespace
+
+RootScope::RootScope() {
+  Scopes& scopes = TheScopes();
+  std::lock_guard<std::mutex> lock(scopes.mu);
+  ++scopes.count;
+}
+
+RootScope::~RootScope() {
+  Scopes& scopes = TheScopes();
+  std::lock_guard<std::mutex> lock(scopes.mu);
+  // A reader still holding the handle keeps the descriptor open until it
+  // is done.
+  if (--scopes.count == 0) scopes.handle.reset();
+}
+
+int OpenUnderRoot(const std::string& path, int flags, bool* handled) {
+  *handled = false;
+  if (g_no_openat2.load(std::memory_order_relaxed)) return -1;
+  const std::string root = ConfigRoot();
+  if (root.empty() || path.size() <= root.size() || path.compare(0, root.size(), root) != 0)
+    return -1;
+  size_t start = root.size();
+  if (root.back() != '/') {
+    if (path[start] != '/') return -1;  // a sibling that shares the prefix
+    ++start;
+  }
+  if (start >= path.size()) return -1;
+  const std::shared_ptr<RootHandle> handle = HandleFor(root);
+  if (handle == nullptr) return -1;
+  struct open_how how = {};
+  how.flags = static_cast<uint64_t>(flags);
+  how.resolve = RESOLVE_BENEATH | RESOLVE_NO_MAGICLINKS;
+  for (;;) {
+    const long fd = syscall(SYS_openat2, handle->fd, path.c_str() + start, &how, sizeof(how));
+    if (fd >= 0) {
+      *handled = true;
+      return static_cast<int>(fd);
+    }
+    switch (errno) {
+      case EINTR:
+        continue;
+      case ENOSYS:
+      case EPERM:  // a filter that forbids the call
+        g_no_openat2.store(true, std::memory_order_relaxed);
+        return -1;
+      case EXDEV:   // out of the root, or an absolute link: the slow way decides
+      case EAGAIN:  // a rename raced with the walk
+      case ELOOP:   // perhaps a magic link; a real loop fails the slow way too
+      case EINVAL:
+        return -1;
+      default:
+        *handled = true;
+        return -1;
+    }
+  }
 }
 
 bool IsPlainFileName(std::string_view name) {

@@ -34,6 +34,33 @@ bool IsUnderRootName(const std::string& path);
 // links or dots); a root reached through a link is resolved on each call.
 bool OpenedInsideRoot(int fd, const std::string& path);
 
+// While at least one RootScope lives (on any thread), files under the
+// configuration root are opened from one descriptor of the root, opened
+// when first needed, with openat2 and RESOLVE_BENEATH: the kernel refuses
+// every link and ".." that would lead out, so a read needs no readlink of
+// what it opened. For a burst of reads such as the agent's start-up; the
+// root is taken as it is then (a root moved meanwhile is not seen until the
+// last scope ends). Thread-safe.
+class RootScope {
+ public:
+  RootScope();
+  // The last scope to end closes the descriptor.
+  ~RootScope();
+  RootScope(const RootScope&) = delete;
+  RootScope& operator=(const RootScope&) = delete;
+};
+
+// Opens `path` for reading with open(2) `flags` from the root's descriptor
+// (see RootScope). *handled false, and -1 returned, when that cannot be
+// done: no scope, a path not under the root by name (IsUnderRootName), a
+// root other than the scope's, a kernel without openat2, or a path the
+// kernel will not resolve beneath the root (a link out of it, or an
+// absolute link, which may still point inside). The caller then opens the
+// file the usual way and checks it with OpenedInsideRoot. Otherwise
+// *handled is true and the result is the descriptor (the caller's to
+// close), or -1 with errno set as by open(2).
+int OpenUnderRoot(const std::string& path, int flags, bool* handled);
+
 // True when `name` can stand for exactly one file in a folder of the root:
 // not empty, not "." or "..", no "/" and no control character (NUL
 // included). A name that passes cannot leave the folder it is joined to

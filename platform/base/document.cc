@@ -1,6 +1,7 @@
 #include "platform/base/document.h"
 
 #include <algorithm>
+#include <functional>
 #include <utility>
 
 #include "platform/base/document_lexer.h"
@@ -108,7 +109,21 @@ std::string Diagnostic::Format(std::string_view file) const {
 
 Document::Document() = default;
 Document::~Document() = default;
-Document::Document(Document&&) noexcept = default;
+Document::Document(Document&& other) noexcept
+    : buffer_(std::move(other.buffer_)),
+      text_(other.text_),
+      interned_(std::move(other.interned_)),
+      arena_(std::move(other.arena_)),
+      sections_(std::move(other.sections_)),
+      verbatim_(std::move(other.verbatim_)),
+      verbatim_after_(std::move(other.verbatim_after_)),
+      diagnostics_(std::move(other.diagnostics_)),
+      index_(std::move(other.index_)),
+      indexedData_(other.indexedData_),
+      indexedSize_(other.indexedSize_) {
+  other.indexedData_ = nullptr;
+  other.indexedSize_ = 0;
+}
 Document& Document::operator=(Document&& other) noexcept {
   if (this == &other) return *this;
   // Our old tables must go while the arena they live in still exists.
@@ -121,6 +136,11 @@ Document& Document::operator=(Document&& other) noexcept {
   verbatim_after_ = std::move(other.verbatim_after_);
   diagnostics_ = std::move(other.diagnostics_);
   scratch_ = Section();
+  index_ = std::move(other.index_);
+  indexedData_ = other.indexedData_;
+  indexedSize_ = other.indexedSize_;
+  other.indexedData_ = nullptr;
+  other.indexedSize_ = 0;
   return *this;
 }
 
@@ -131,6 +151,7 @@ Document Document::Parse(std::string text, const Syntax& syntax) {
   doc.buffer_.reset(new std::string(std::move(text)));
   doc.text_ = *doc.buffer_;
   Parser(&doc, syntax).Run();
+  doc.IndexSections();
   return doc;
 }
 
@@ -141,6 +162,7 @@ Document Document::Parse(std::unique_ptr<Arena> arena, std::string_view text,
   doc.sections_ = SectionList(ArenaAllocator<Section>(doc.arena_.get()));
   doc.text_ = text;
   Parser(&doc, syntax).Run();
+  doc.IndexSections();
   return doc;
 }
 
@@ -168,7 +190,61 @@ std::string Document::Serialize(const Syntax& syntax) const {
   return out;
 }
 
+namespace {
+
+// Below this many sections a scan is as quick as a hash; above the upper
+// bound a document is data to be walked (a line database, a user cache),
+// and indexing it would only slow its parse.
+constexpr size_t kMinIndexed = 9;
+constexpr size_t kMaxIndexed = 8192;
+
+size_t NameHash(std::string_view name) { return std::hash<std::string_view>()(name); }
+
+}  // namespace
+
+bool Document::Indexed() const {
+  return !index_.empty() && indexedData_ == sections_.data() && indexedSize_ == sections_.size();
+}
+
+void Document::IndexSections() {
+  const size_t n = sections_.size();
+  if (n < kMinIndexed || n > kMaxIndexed) {
+    index_.clear();
+    indexedData_ = nullptr;
+    indexedSize_ = 0;
+    return;
+  }
+  size_t slots = 16;
+  while (slots < 2 * n + 2) slots *= 2;
+  index_ = std::vector<uint32_t, ArenaAllocator<uint32_t>>(slots, 0,
+                                                           ArenaAllocator<uint32_t>(arena_.get()));
+  indexedData_ = sections_.data();
+  indexedSize_ = 0;
+  for (size_t i = 0; i < n; ++i) IndexSection(i);
+}
+
+void Document::IndexSection(size_t position) {
+  const size_t mask = index_.size() - 1;
+  const std::string_view name = sections_[position].name;
+  for (size_t slot = NameHash(name) & mask;; slot = (slot + 1) & mask) {
+    if (index_[slot] == 0) {
+      index_[slot] = static_cast<uint32_t>(position + 1);
+      break;
+    }
+    if (sections_[index_[slot] - 1].name == name) break;  // the first one stays
+  }
+  indexedSize_ = position + 1;
+}
+
 Section* Document::Find(std::string_view name) {
+  if (Indexed()) {
+    const size_t mask = index_.size() - 1;
+    for (size_t slot = NameHash(name) & mask;; slot = (slot + 1) & mask) {
+      const uint32_t at = index_[slot];
+      if (at == 0) return nullptr;
+      if (sections_[at - 1].name == name) return &sections_[at - 1];
+    }
+  }
   for (Section& s : sections_) {
     if (s.name == name) return &s;
   }
@@ -183,7 +259,14 @@ Section* Document::TryAdd(std::string_view name) {
   if (!IsValidSectionName(name)) return nullptr;
   Section section(arena_.get());
   section.name = Intern(name);
+  const bool indexed = Indexed();
   sections_.push_back(std::move(section));
+  if (indexed && 2 * sections_.size() + 2 <= index_.size()) {
+    indexedData_ = sections_.data();
+    IndexSection(sections_.size() - 1);
+  } else if (indexed || sections_.size() == kMinIndexed) {
+    IndexSections();
+  }
   return &sections_.back();
 }
 
@@ -225,7 +308,9 @@ Section& Document::AddBeside(std::string_view name) {
   }
   Section& added = Add(name);
   if (&added == &scratch_ || after >= sections_.size() - 1) return added;
+  const bool indexed = Indexed();
   std::rotate(sections_.begin() + static_cast<long>(after), sections_.end() - 1, sections_.end());
+  if (indexed) IndexSections();  // positions after it moved
   return sections_[after];
 }
 
@@ -238,7 +323,9 @@ void Document::Erase(size_t index) {
                               : &verbatim_after_;
     into->insert(into->begin(), before.begin(), before.end());
   }
+  const bool indexed = Indexed();
   sections_.erase(sections_.begin() + static_cast<long>(index));
+  if (indexed) IndexSections();  // positions after it moved
 }
 
 bool Document::Set(Section& section, std::string_view key, std::string_view value) {

@@ -147,7 +147,12 @@ class Document {
   SectionList& sections() { return sections_; }
   const SectionList& sections() const { return sections_; }
 
-  // First section with that name, or nullptr.
+  // First section with that name, or nullptr. A parsed document of a few
+  // to a few thousand sections is indexed by name, so a reader that looks
+  // up each property's section pays a hash, not a scan; Add, TryAdd and
+  // Erase keep the index, and a table changed through sections() is
+  // searched linearly. (A name changed in place through Section::name is
+  // not seen by the index: rename by Erase and Add.)
   Section* Find(std::string_view name);
   const Section* Find(std::string_view name) const;
 
@@ -204,8 +209,20 @@ class Document {
   VerbatimLines verbatim_after_;
   std::vector<Diagnostic> diagnostics_;
   Section scratch_;                      // what Add returns for a refused name
+  // Open addressing over section names: position + 1 of the first section
+  // of each name, 0 for a free slot; a power of two in size, at most half
+  // full. Valid only while the table is the one it was built over.
+  std::vector<uint32_t, ArenaAllocator<uint32_t>> index_;
+  const Section* indexedData_ = nullptr;
+  size_t indexedSize_ = 0;
 
   SectionVerbatim& VerbatimOf(Section& section);
+  bool Indexed() const;
+  // (Re)builds the index when the document's size calls for one; drops it
+  // otherwise.
+  void IndexSections();
+  // Adds the section at `position` to a valid index.
+  void IndexSection(size_t position);
 
   friend class Parser;
 };

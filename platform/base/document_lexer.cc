@@ -8,12 +8,12 @@ namespace {
 
 // The first bytes are compared inline: most lines differ from every marker
 // right there, and a call to compare costs more than the test.
-bool StartsWith(std::string_view text, std::string_view prefix) {
+inline bool StartsWith(std::string_view text, std::string_view prefix) {
   return text.size() >= prefix.size() && (prefix.empty() || text[0] == prefix[0]) &&
          text.compare(0, prefix.size(), prefix) == 0;
 }
 
-size_t FindSeparator(std::string_view text, const std::string& separator) {
+inline size_t FindSeparator(std::string_view text, const std::string& separator) {
   if (separator.size() == 1) {
     const void* hit = std::memchr(text.data(), separator[0], text.size());
     return hit ? static_cast<const char*>(hit) - text.data() : std::string_view::npos;
@@ -90,7 +90,13 @@ bool NameReadsBack(std::string_view name) {
 }
 
 Lexer::Lexer(std::string_view input, const Markers& markers)
-    : pos_(input.data()), end_(input.data() + input.size()), markers_(markers) {}
+    : pos_(input.data()),
+      end_(input.data() + input.size()),
+      markers_(markers),
+      comment0_(markers.comment[0]),
+      keyword0_(markers.keyword[0]),
+      opener0_(markers.opener[0]),
+      closer0_(markers.closer[0]) {}
 
 bool Lexer::Next(Token* token) {
   if (pos_ >= end_) return false;
@@ -113,14 +119,19 @@ bool Lexer::Next(Token* token) {
 void Lexer::Classify(std::string_view trimmed, Token* token) const {
   if (trimmed.empty()) {
     token->kind = Token::kBlank;
-  } else if (StartsWith(trimmed, markers_.comment)) {
+    return;
+  }
+  // Markers are never empty (Markers falls back to the defaults), so a
+  // line that differs from one in its first byte is not that line.
+  const char first = trimmed[0];
+  if (first == comment0_ && StartsWith(trimmed, markers_.comment)) {
     token->kind = Token::kComment;
-  } else if (StartsSectionLine(trimmed, markers_)) {
+  } else if (first == keyword0_ && StartsSectionLine(trimmed, markers_)) {
     token->kind = Token::kSection;
     token->name = TrimBlanks(trimmed.substr(markers_.keyword.size()));
-  } else if (trimmed == markers_.opener) {
+  } else if (first == opener0_ && trimmed == markers_.opener) {
     token->kind = Token::kOpener;
-  } else if (trimmed == markers_.closer) {
+  } else if (first == closer0_ && trimmed == markers_.closer) {
     token->kind = Token::kCloser;
   } else {
     SplitEntry(trimmed, token);
@@ -134,9 +145,16 @@ void Lexer::SplitEntry(std::string_view trimmed, Token* token) const {
     return;
   }
   token->kind = Token::kEntry;
-  token->name = TrimBlanks(trimmed.substr(0, sep));
+  // `trimmed` starts and ends with no blank: the key can only end with
+  // blanks, the value only start with them.
+  const char* key_end = trimmed.data() + sep;
+  while (key_end > trimmed.data() && IsBlank(key_end[-1])) --key_end;
+  token->name = std::string_view(trimmed.data(), static_cast<size_t>(key_end - trimmed.data()));
   token->separator = trimmed.substr(sep, markers_.separator.size());
-  token->value = TrimBlanks(trimmed.substr(sep + markers_.separator.size()));
+  const char* value = trimmed.data() + sep + markers_.separator.size();
+  const char* end = trimmed.data() + trimmed.size();
+  while (value < end && IsBlank(*value)) ++value;
+  token->value = std::string_view(value, static_cast<size_t>(end - value));
 }
 
 }  // namespace cfg

@@ -4,7 +4,9 @@
 #include <sys/time.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdlib>
+#include <string_view>
 #include <ctime>
 #include <vector>
 
@@ -26,6 +28,12 @@ std::string TimeOfDay() {
   return text;
 }
 
+int64_t SteadyNanos() {
+  return std::chrono::duration_cast<std::chrono::nanoseconds>(
+             std::chrono::steady_clock::now().time_since_epoch())
+      .count();
+}
+
 }  // namespace
 
 LogStream::LogStream(const char* name, bool console, bool timestamps, int maxBytes,
@@ -39,6 +47,8 @@ LogStream::LogStream(const char* name, bool console, bool timestamps, int maxByt
       syncEach_(syncEach) {}
 
 LogStream::~LogStream() {
+  std::lock_guard<std::mutex> lock(mu_);
+  WriteHeld();
   if (file_ != nullptr) fclose(file_);
 }
 
@@ -57,25 +67,74 @@ void LogStream::TRACE(unsigned char level, const char* format, va_list args,
   (void)level;
   (void)flags;
   if (format == nullptr || path_.empty()) return;
-  std::vector<char> buffer(lineBuffer_);
+  // Formatted on the stack: a heap buffer per line cost as much as the
+  // formatting.
+  char local[kDefaultLineBuffer];
+  std::vector<char> large;
+  char* buffer = local;
+  size_t size = lineBuffer_;
+  if (size > sizeof(local)) {
+    large.resize(size);
+    buffer = large.data();
+  }
   va_list copy;
   va_copy(copy, args);
-  int n = vsnprintf(buffer.data(), buffer.size(), format, copy);
+  int n = vsnprintf(buffer, size, format, copy);
   va_end(copy);
   if (n < 0) return;
-  size_t length = static_cast<size_t>(n) < buffer.size() ? static_cast<size_t>(n)
-                                                         : buffer.size() - 1;
-  std::string line = timestamps_ ? TimeOfDay() : std::string();
-  line.append(buffer.data(), length);
+  const size_t length = static_cast<size_t>(n) < size ? static_cast<size_t>(n) : size - 1;
+  std::string stamped;
+  std::string_view line(buffer, length);
+  if (timestamps_) {
+    stamped = TimeOfDay();
+    stamped.append(line);
+    line = stamped;
+  }
 
   std::lock_guard<std::mutex> lock(mu_);
   if (console_) fwrite(line.data(), 1, line.size(), stderr);
-  if (maxBytes_ > 0 && written_ > 0 && written_ + static_cast<long>(line.size()) > maxBytes_)
+  if (maxBytes_ > 0 && written_ > 0 && written_ + static_cast<long>(line.size()) > maxBytes_) {
+    WriteHeld();
     Rotate();
+  }
   if (!Open()) return;  // a log that cannot be written is not worth failing for
+  if (holding_) {
+    const int64_t now = SteadyNanos();
+    if (held_.empty()) heldSince_ = now;
+    held_.append(line);
+    written_ += static_cast<long>(line.size());
+    if (held_.size() >= kHoldBytes || now - heldSince_ >= kHoldNanos) WriteHeld();
+    return;
+  }
   if (fwrite(line.data(), 1, line.size(), file_) == line.size()) written_ += static_cast<long>(line.size());
   fflush(file_);
   if (syncEach_) fsync(fileno(file_));
+}
+
+void LogStream::Hold() {
+  std::lock_guard<std::mutex> lock(mu_);
+  holding_ = true;
+}
+
+void LogStream::Release() {
+  std::lock_guard<std::mutex> lock(mu_);
+  WriteHeld();
+  holding_ = false;
+}
+
+void LogStream::Flush() {
+  std::lock_guard<std::mutex> lock(mu_);
+  WriteHeld();
+}
+
+void LogStream::WriteHeld() {
+  if (held_.empty()) return;
+  if (Open()) {
+    fwrite(held_.data(), 1, held_.size(), file_);
+    fflush(file_);
+    if (syncEach_) fsync(fileno(file_));
+  }
+  held_.clear();
 }
 
 bool LogStream::Open() {

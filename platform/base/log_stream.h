@@ -2,6 +2,7 @@
 #define CMCFG_PLATFORM_BASE_LOG_STREAM_H_
 
 #include <cstdarg>
+#include <cstdint>
 #include <cstdio>
 #include <mutex>
 #include <string>
@@ -10,9 +11,15 @@
 // environment variable "CMCFG_LOG_DIR" when it is set, else in the current
 // directory. The file is created (appending) on the first line written, so an
 // agent with logging off leaves no file behind. Each TRACE call writes one
-// formatted text and flushes it. Thread-safe.
+// formatted text and flushes it, unless the stream holds lines (Hold).
+// Thread-safe.
 class LogStream {
  public:
+  // Held lines are written once this many bytes are held.
+  static constexpr size_t kHoldBytes = size_t{64} << 10;
+  // ... or once the oldest held line is this old when another line comes.
+  static constexpr int64_t kHoldNanos = 1000 * 1000 * 1000;
+
   // name: file name; console: also copy every line to stderr; timestamps:
   // prefix lines with the time of day; maxBytes: when the file grows past
   // it, it is renamed to name + ".1" (keeping keepFiles old files) and a new
@@ -20,6 +27,7 @@ class LogStream {
   // text, longer ones are cut; syncEach: fsync after each line.
   LogStream(const char* name, bool console, bool timestamps, int maxBytes, int keepFiles,
             unsigned lineBuffer, bool syncEach);
+  // Writes what is held.
   ~LogStream();
   LogStream(const LogStream&) = delete;
   LogStream& operator=(const LogStream&) = delete;
@@ -28,14 +36,28 @@ class LogStream {
   // by other programs and are not used here.
   void TRACE(unsigned char level, const char* format, va_list args, unsigned char flags);
 
+  // From now on lines are kept in memory and written together: when
+  // kHoldBytes are held, when a line comes kHoldNanos or more after the
+  // oldest held one, at Flush, Release and destruction. For bursts such as
+  // a start-up, where one write per line costs more than the work logged.
+  // A process that crashes while lines are held loses them: at most
+  // kHoldBytes, and nothing older than a second unless no line came since.
+  // (The console copy is not held.)
+  void Hold();
+  // Writes what is held and goes back to one write per line.
+  void Release();
+  // Writes what is held; holding goes on.
+  void Flush();
+
   // Where a log of this name is written.
   static std::string ResolvePath(const char* name);
   const std::string& path() const { return path_; }
 
  private:
-  // Both need mu_ held.
+  // All need mu_ held.
   bool Open();
   void Rotate();
+  void WriteHeld();
 
   std::string path_;
   bool console_;
@@ -46,7 +68,10 @@ class LogStream {
   bool syncEach_;
   std::mutex mu_;
   FILE* file_ = nullptr;
-  long written_ = 0;
+  long written_ = 0;  // the file's size, held bytes included
+  bool holding_ = false;
+  std::string held_;
+  int64_t heldSince_ = 0;  // steady clock, of the oldest held line
 };
 
 #endif  // CMCFG_PLATFORM_BASE_LOG_STREAM_H_

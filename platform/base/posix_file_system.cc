@@ -121,7 +121,12 @@ Status OpenRegular(const std::string& path, int* fd, size_t* size) {
   // O_NONBLOCK: a FIFO where a file should be must not hang the reader;
   // O_NOCTTY: a terminal linked in must not become ours. Both are checked
   // away below before anything is read.
-  *fd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+  const int flags = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+  // Beneath the root's descriptor the kernel keeps the walk inside the
+  // root; otherwise what was opened is checked below.
+  bool beneath = false;
+  *fd = OpenUnderRoot(path, flags, &beneath);
+  if (!beneath) *fd = open(path.c_str(), flags);
   if (*fd < 0) return ErrnoStatus("cannot open " + path, errno);
   struct stat st = {};
   Status s;
@@ -133,7 +138,7 @@ Status OpenRegular(const std::string& path, int* fd, size_t* size) {
     s = Status::IOError(path + " has " + std::to_string(st.st_size) +
                         " bytes, more than the bound of " + std::to_string(kMaxConfigFileBytes) +
                         " bytes (64 MiB) for one configuration file; not read");
-  } else if (IsUnderRootName(path) && !OpenedInsideRoot(*fd, path)) {
+  } else if (!beneath && IsUnderRootName(path) && !OpenedInsideRoot(*fd, path)) {
     s = Status::IOError(path + " leads outside the configuration root " + ConfigRoot() +
                         " through a symbolic link; not read");
   }

@@ -190,9 +190,22 @@ ExtServiceCodesParams DecodeServiceCodes(const cfg::Document& doc) {
   block.property = kPropServiceCodes;
   const cfg::Section* section = SectionOf(doc, kPropServiceCodes);
   if (section == nullptr) return block;
-  for (int i = 0; i < ExtServiceCodesParams::kCount; ++i) {
-    const cfg::Entry* entry = section->Find("code_" + std::to_string(i + 1));
-    if (entry != nullptr) block.codes[i] = std::string(entry->value);
+  // One walk over the entries, each key read as "code_N" where it stands:
+  // no key text is built per code. The first entry of a key counts, as
+  // for Find.
+  constexpr std::string_view kPrefix = "code_";
+  bool seen[ExtServiceCodesParams::kCount] = {};
+  for (const cfg::Entry& entry : section->entries) {
+    const std::string_view key = entry.key;
+    if (key.size() <= kPrefix.size() || key.size() > kPrefix.size() + 2 ||
+        key.compare(0, kPrefix.size(), kPrefix) != 0 || key[kPrefix.size()] == '0')
+      continue;
+    int number = 0;
+    for (char c : key.substr(kPrefix.size()))
+      number = c >= '0' && c <= '9' ? number * 10 + (c - '0') : -1000;
+    if (number < 1 || number > ExtServiceCodesParams::kCount || seen[number - 1]) continue;
+    seen[number - 1] = true;
+    block.codes[number - 1].assign(entry.value.data(), entry.value.size());
   }
   return block;
 }

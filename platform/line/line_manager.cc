@@ -1,6 +1,7 @@
 #include "platform/line/line_manager.h"
 
 #include <chrono>
+#include <memory>
 #include <cstdlib>
 #include <mutex>
 #include <unordered_map>
@@ -160,18 +161,116 @@ bool ParseLineEndpoint(std::string_view endpoint, uint32_t* gateway, uint32_t* l
   return true;
 }
 
-struct LineManagerBase::Rep {
+namespace {
+
+// The entries of one type of one version of the line database, built once
+// and shared, read-only, by every manager that reads that version: a
+// manager opened for one call then costs a stat and the look-ups it makes,
+// not a read of the whole file.
+struct LineIndex {
   std::string path;
-  bool loaded = false;
-  // The version of the file that was read.
+  int type = 0;
   bool exists = false;
   cfg::FileInfo version;
-  bool settled = false;
+  bool settled = false;  // false: read again before trusting the version
 
-  std::vector<std::unique_ptr<LineBase>> owned;
+  std::vector<LineBase> entries;  // file order; the first of each endpoint
+  std::unordered_map<uint64_t, uint32_t> byEndpoint;
+  std::unordered_map<std::string, std::vector<uint32_t>> byExtension;
+};
+
+std::shared_ptr<const LineIndex> BuildIndex(const std::string& path, int type, bool exists,
+                                            const cfg::FileInfo& version) {
+  auto index = std::make_shared<LineIndex>();
+  index->path = path;
+  index->type = type;
+  index->exists = exists;
+  index->version = version;
+  index->settled = !exists || Settled(version);
+  cfg::Document doc;
+  cfg::LoadDocument(path, &doc);  // a missing or bad file has no lines
+  index->entries.reserve(doc.size());
+  for (const cfg::Section& section : doc.sections()) {
+    uint32_t gateway = 0, line = 0;
+    if (!ParseEndpoint(section.name, type, &gateway, &line)) continue;
+    const uint32_t at = static_cast<uint32_t>(index->entries.size());
+    if (!index->byEndpoint.emplace(EndpointKey(gateway, line), at).second) continue;  // first counts
+    LineBase& entry = index->entries.emplace_back();
+    entry.gatewayId = gateway;
+    entry.lineId = line;
+    ReadEntry(section, type, &entry);
+    if (type == LineManagerBase::kLineDb) index->byExtension[entry.extension].push_back(at);
+  }
+  return index;
+}
+
+// The indexes last built, one per file and type: the newest version of
+// each of a few line databases (a process uses one; tests use many).
+class IndexCache {
+ public:
+  static IndexCache& Get() {
+    static IndexCache* cache = new IndexCache;  // never destroyed: used until exit
+    return *cache;
+  }
+
+  // The index of the file as it is now (`exists`, `version`): the cached
+  // one when it was read from this settled version, else a new one, read
+  // now and cached in its place.
+  std::shared_ptr<const LineIndex> Current(const std::string& path, int type, bool exists,
+                                           const cfg::FileInfo& version) {
+    {
+      std::lock_guard<std::mutex> lock(mu_);
+      for (const auto& index : indexes_)
+        if (index->type == type && index->path == path && Fresh(*index, exists, version))
+          return index;
+    }
+    // Read outside the lock: one slow reader must not hold up the others.
+    std::shared_ptr<const LineIndex> fresh = BuildIndex(path, type, exists, version);
+    std::lock_guard<std::mutex> lock(mu_);
+    for (auto& index : indexes_) {
+      if (index->type == type && index->path == path) {
+        index = fresh;
+        return fresh;
+      }
+    }
+    if (indexes_.size() == kKept) indexes_.erase(indexes_.begin());
+    indexes_.push_back(fresh);
+    return fresh;
+  }
+
+  static bool Fresh(const LineIndex& index, bool exists, const cfg::FileInfo& version) {
+    return index.settled && exists == index.exists && (!exists || version.SameVersion(index.version));
+  }
+
+ private:
+  static constexpr size_t kKept = 8;
+  std::mutex mu_;
+  std::vector<std::shared_ptr<const LineIndex>> indexes_;  // oldest first
+};
+
+}  // namespace
+
+// A manager hands out its own copies of the shared entries, made on first
+// use, so a caller may change one (LineBase::Load does) without touching
+// the index other managers read.
+struct LineManagerBase::Rep {
+  std::string path;
+  std::shared_ptr<const LineIndex> index;  // null until first use
+
+  std::unordered_map<uint32_t, std::unique_ptr<LineBase>> copies;  // by entry
+  bool listed = false;  // `lines` holds every entry
   std::list<LineBase*> lines;
-  std::unordered_map<uint64_t, LineBase*> byEndpoint;
   std::unordered_map<std::string, std::vector<LineBase*>> byExtension;
+
+  LineBase* Copy(uint32_t at, int type) {
+    std::unique_ptr<LineBase>& slot = copies[at];
+    if (!slot) {
+      slot.reset(new LineBase(index->entries[at]));
+      slot->path_ = path;
+      slot->type_ = type;
+    }
+    return slot.get();
+  }
 };
 
 LineManagerBase::LineManagerBase(LineMngType type, std::string path) : rep_(new Rep), type_(type) {
@@ -182,54 +281,36 @@ LineManagerBase::~LineManagerBase() = default;
 
 void LineManagerBase::Refresh(bool reload) {
   Rep& r = *rep_;
-  if (r.loaded && !reload) return;
+  if (r.index != nullptr && !reload) return;
   // Stat before reading: a change in between is then seen at the next call.
   cfg::FileInfo now;
   bool exists = cfg::FileSystem::Default()->Stat(r.path, &now).ok();
-  if (r.loaded && r.settled && exists == r.exists && (!exists || now.SameVersion(r.version)))
-    return;
-  r.exists = exists;
-  r.version = now;
-  r.settled = !exists || Settled(now);
-  Read();
-}
-
-void LineManagerBase::Read() {
-  Rep& r = *rep_;
-  r.loaded = true;
-  r.owned.clear();
+  if (r.index != nullptr && IndexCache::Fresh(*r.index, exists, now)) return;
+  std::shared_ptr<const LineIndex> index = IndexCache::Get().Current(r.path, type_, exists, now);
+  if (index == r.index) return;
+  r.index = std::move(index);
+  r.copies.clear();
+  r.listed = false;
   r.lines.clear();
-  r.byEndpoint.clear();
   r.byExtension.clear();
-  cfg::Document doc;
-  cfg::LoadDocument(r.path, &doc);  // a missing or bad file has no lines
-  for (const cfg::Section& section : doc.sections()) {
-    uint32_t gateway = 0, line = 0;
-    if (!ParseEndpoint(section.name, type_, &gateway, &line)) continue;
-    auto slot = r.byEndpoint.emplace(EndpointKey(gateway, line), nullptr);
-    if (!slot.second) continue;  // first one counts
-    std::unique_ptr<LineBase> entry(new LineBase);
-    entry->gatewayId = gateway;
-    entry->lineId = line;
-    entry->path_ = r.path;
-    entry->type_ = type_;
-    ReadEntry(section, type_, entry.get());
-    slot.first->second = entry.get();
-    r.lines.push_back(entry.get());
-    if (type_ == kLineDb) r.byExtension[entry->extension].push_back(entry.get());
-    r.owned.push_back(std::move(entry));
-  }
 }
 
 const std::list<LineBase*>& LineManagerBase::GetLines(bool reload) {
   Refresh(reload);
-  return rep_->lines;
+  Rep& r = *rep_;
+  if (!r.listed) {
+    r.lines.clear();
+    for (uint32_t at = 0; at < r.index->entries.size(); ++at) r.lines.push_back(r.Copy(at, type_));
+    r.listed = true;
+  }
+  return r.lines;
 }
 
 LineBase* LineManagerBase::GetLine(uint32_t gatewayId, uint32_t lineId, bool reload) {
   Refresh(reload);
-  auto it = rep_->byEndpoint.find(EndpointKey(gatewayId, lineId));
-  return it == rep_->byEndpoint.end() ? nullptr : it->second;
+  Rep& r = *rep_;
+  auto it = r.index->byEndpoint.find(EndpointKey(gatewayId, lineId));
+  return it == r.index->byEndpoint.end() ? nullptr : r.Copy(it->second, type_);
 }
 
 const std::vector<LineBase*>& LineManagerBase::GetLinesOf(const std::string& extension,
@@ -237,8 +318,13 @@ const std::vector<LineBase*>& LineManagerBase::GetLinesOf(const std::string& ext
   static const std::vector<LineBase*> kNone;
   if (type_ != kLineDb) return kNone;
   Refresh(reload);
-  auto it = rep_->byExtension.find(extension);
-  return it == rep_->byExtension.end() ? kNone : it->second;
+  Rep& r = *rep_;
+  auto it = r.index->byExtension.find(extension);
+  if (it == r.index->byExtension.end()) return kNone;
+  std::vector<LineBase*>& copies = r.byExtension[extension];
+  if (copies.empty())
+    for (uint32_t at : it->second) copies.push_back(r.Copy(at, type_));
+  return copies;
 }
 
 bool LineBase::Load() {
@@ -257,7 +343,7 @@ bool LineBase::Load() {
 
 LineManager::LineManager(LineMngType type, const std::string& path, bool readNow)
     : LineManagerBase(type, path) {
-  if (readNow) GetLines(true);
+  if (readNow) Refresh(true);
 }
 
 LineManager::~LineManager() = default;

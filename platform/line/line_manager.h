@@ -67,9 +67,16 @@ class LineBase {
 // next reload as well, since a same-size rewrite within the file system's
 // timestamp granularity could leave its version unchanged.
 //
+// Managers share what they read: the entries of one version of a file are
+// read once for the whole process and kept (the newest version of each of
+// a few files), so a manager opened for one call costs a stat and its
+// look-ups, whatever the size of the file. Each manager hands out its own
+// copies of the entries it is asked for, so changing one (LineBase::Load)
+// touches no other manager's.
+//
 // Entries, and the lists and vectors returned, stay valid until a call
-// actually re-reads the file (or the manager is destroyed); a reload that
-// finds the file unchanged keeps them.
+// actually re-reads the file or finds a newer version of it (or the
+// manager is destroyed); a reload that finds the file unchanged keeps them.
 class LineManagerBase {
  public:
   enum LineMngType { kLineDb = 0, kFxsLines = 1, kFxoLines = 2 };
@@ -89,12 +96,10 @@ class LineManagerBase {
 
  protected:
   LineManagerBase(LineMngType type, std::string path);
+  // Takes the file's entries on first use, and on `reload` when it changed.
+  void Refresh(bool reload);
 
  private:
-  // Reads the file on first use, and on `reload` when it changed.
-  void Refresh(bool reload);
-  void Read();
-
   struct Rep;
   std::unique_ptr<Rep> rep_;
   LineMngType type_;

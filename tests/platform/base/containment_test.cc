@@ -91,6 +91,30 @@ TEST_F(ContainmentTest, LinksWithinTheRootAreRead) {
   }
 }
 
+// Opened from the root's descriptor, the kernel keeps the walk inside; an
+// absolute link, which it will not follow there, is still read when it
+// points inside.
+TEST_F(ContainmentTest, TheRootsDescriptorHoldsTheSameRule) {
+  RootScope scope;
+  root_.Write("real/a.cfg", "section a\n{\n}\n");
+  root_.MakeDir("sub");
+  Link(outside_.Path("secret.cfg"), "abs.cfg");
+  Link("../" + FromSibling("secret.cfg"), "rel.cfg");
+  Link(outside_.Path("folder"), "ext");
+  Link(root_.Path("real/a.cfg"), "in-abs.cfg");
+  Link("real/a.cfg", "in-rel.cfg");
+  for (const std::string& name : {std::string("abs.cfg"), std::string("rel.cfg"),
+                                  std::string("ext/ext.cfg"), "sub/../../" + FromSibling("secret.cfg")})
+    ExpectOutsideRefused(root_.Path(name));
+  for (const char* name : {"in-abs.cfg", "in-rel.cfg", "sub/../real/a.cfg"}) {
+    std::string contents;
+    EXPECT_TRUE(Read(root_.Path(name), &contents).ok()) << name;
+    EXPECT_EQ("section a\n{\n}\n", contents) << name;
+  }
+  std::string contents;
+  EXPECT_TRUE(Read(root_.Path("missing.cfg"), &contents).IsNotFound());
+}
+
 TEST_F(ContainmentTest, RootReachedThroughALinkHoldsTheSameRule) {
   std::string alias = outside_.Path("alias");
   ASSERT_EQ(0, symlink(root_.path().c_str(), alias.c_str()));

@@ -81,6 +81,24 @@ TEST_F(LogStreamTest, TimestampPrefixesEachLine) {
   EXPECT_EQ(" x\n", text.substr(12));
 }
 
+TEST_F(LogStreamTest, HeldLinesAreWrittenAtFlushReleaseAndDestruction) {
+  {
+    LogStream log("held.log", false, false, 2147483647, 1, 64, false);
+    log.Hold();
+    Trace(log, "one\n");
+    EXPECT_EQ("", root_.Read("held.log"));
+    log.Flush();
+    EXPECT_EQ("one\n", root_.Read("held.log"));
+    Trace(log, "two\n");
+    log.Release();
+    Trace(log, "three\n");  // written as it comes again
+    EXPECT_EQ("one\ntwo\nthree\n", root_.Read("held.log"));
+    log.Hold();
+    Trace(log, "four\n");
+  }
+  EXPECT_EQ("one\ntwo\nthree\nfour\n", root_.Read("held.log"));
+}
+
 TEST_F(LogStreamTest, ConcurrentWritersNeverInterleaveLines) {
   LogStream log("mt.log", false, false, 2147483647, 1, 256, false);
   std::vector<std::thread> threads;

@@ -5,7 +5,10 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cstdio>
+#include <thread>
+#include <vector>
 
 #include "platform/base/posix_file_system.h"
 #include "tests/support/temp_root.h"
@@ -120,6 +123,27 @@ TEST_F(LineManagerTest, ReloadReadsOnlyAChangedFile) {
   EXPECT_EQ(nullptr, bindings.GetLine(1, 1, true));
   root_.Write("telephony/linedb", kLineDb);
   EXPECT_EQ(1u, bindings.GetLinesOf("101", true).size());
+}
+
+TEST_F(LineManagerTest, ManagersShareTheFileButNotTheirEntries) {
+  Settle();
+  LineManager first(LineManagerBase::kLineDb, Db(), true);
+  first.GetLine(1, 1, false)->extension = "changed";
+  // Managers opened one after the other and from several threads at once.
+  std::vector<std::thread> threads;
+  std::atomic<int> wrong{0};
+  for (int t = 0; t < 4; ++t) {
+    threads.emplace_back([&] {
+      for (int i = 0; i < 50; ++i) {
+        LineManager temporary(LineManagerBase::kLineDb, Db(), false);
+        const std::vector<LineBase*>& of = temporary.GetLinesOf("101", true);
+        if (of.size() != 1 || of[0]->extension != "101") ++wrong;
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(0, wrong.load());
+  EXPECT_EQ("changed", first.GetLine(1, 1, true)->extension);
 }
 
 TEST_F(LineManagerTest, FxsLinesCarryTheirSettingsAndDefaults) {
