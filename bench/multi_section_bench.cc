@@ -19,7 +19,7 @@
 #include <vector>
 
 #include "platform/base/document.h"
-#include "platform/base/file_system.h"
+#include "platform/base/document_store.h"
 
 namespace {
 

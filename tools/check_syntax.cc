@@ -5,7 +5,7 @@
 #include <map>
 #include <system_error>
 
-#include "platform/base/file_system.h"
+#include "platform/base/document_store.h"
 #include "platform/extension/extension_rep.h"
 
 namespace cmcfg_tool {

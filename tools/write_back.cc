@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "cmcfg/cm_agent.h"
+#include "platform/base/file_lock.h"
 #include "platform/base/file_system.h"
 #include "tools/ext.h"
 #include "tools/format.h"

@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "platform/base/document_store.h"
+#include "platform/base/file_lock.h"
 #include "platform/base/file_system.h"
 
 namespace Configuration {

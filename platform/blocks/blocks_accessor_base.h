@@ -10,7 +10,8 @@
 #include <utility>
 
 #include "platform/base/document.h"
-#include "platform/base/file_system.h"
+#include "platform/base/document_store.h"
+#include "platform/base/file_lock.h"
 #include "platform/base/status.h"
 #include "platform/blocks/block_sections.h"
 #include "platform/blocks/blocks_base.h"

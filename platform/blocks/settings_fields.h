@@ -7,7 +7,7 @@
 
 #include "platform/base/document.h"
 #include "platform/base/field_table.h"
-#include "platform/base/file_system.h"
+#include "platform/base/document_store.h"
 
 namespace blocks {
 

@@ -2,7 +2,7 @@
 
 #include <climits>
 
-#include "platform/base/file_system.h"
+#include "platform/base/document_store.h"
 #include "platform/blocks/accessor_instance.h"
 #include "platform/blocks/block_sections.h"
 

@@ -3,6 +3,7 @@
 #include <optional>
 #include <utility>
 
+#include "platform/base/document_store.h"
 #include "platform/base/file_system.h"
 #include "platform/extension/extension_rep.h"
 #include "platform/extension/value_rules.h"

@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/base/document_store.h"
 #include "platform/base/file_system.h"
 #include "platform/extension/extension_rep.h"
 

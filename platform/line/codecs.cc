@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "platform/base/file_system.h"
+#include "platform/base/document_store.h"
 
 namespace {
 

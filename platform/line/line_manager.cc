@@ -7,6 +7,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "platform/base/document_store.h"
 #include "platform/base/file_system.h"
 
 namespace {

@@ -9,7 +9,7 @@
 #include "platform/base/document.h"
 #include "platform/base/document_lexer.h"
 #include "platform/base/document_parser.h"
-#include "platform/base/file_system.h"
+#include "platform/base/document_store.h"
 #include "tests/fuzz/fuzz_support.h"
 
 namespace {

@@ -16,7 +16,7 @@
 
 #include "cmcfg/cm_agent.h"
 #include "platform/base/document.h"
-#include "platform/base/file_system.h"
+#include "platform/base/document_store.h"
 #include "tests/support/agent_fixture.h"
 #include "tests/support/lock_files.h"
 

@@ -25,7 +25,7 @@
 
 #include "cmcfg/cm_agent.h"
 #include "platform/base/document.h"
-#include "platform/base/file_system.h"
+#include "platform/base/file_lock.h"
 #include "tests/support/agent_fixture.h"
 #include "tests/support/agent_support.h"
 #include "tests/support/kill_child.h"

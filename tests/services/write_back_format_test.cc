@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "cmcfg/cm_agent.h"
-#include "platform/base/file_system.h"
+#include "platform/base/document_store.h"
 #include "tests/support/agent_fixture.h"
 
 namespace {

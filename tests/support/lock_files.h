@@ -5,7 +5,7 @@
 #include <sstream>
 #include <string>
 
-#include "platform/base/file_system.h"
+#include "platform/base/file_lock.h"
 #include "tests/support/temp_root.h"
 
 namespace testing_support {

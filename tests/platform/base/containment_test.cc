@@ -9,7 +9,7 @@
 #include <string>
 
 #include "platform/base/config_root.h"
-#include "platform/base/file_system.h"
+#include "platform/base/document_store.h"
 #include "platform/base/posix_file_system.h"
 #include "tests/support/temp_root.h"
 

@@ -12,7 +12,7 @@
 #include "platform/base/document.h"
 #include "platform/base/document_render.h"
 #include "platform/base/escaping.h"
-#include "platform/base/file_system.h"
+#include "platform/base/document_store.h"
 #include "tests/support/temp_root.h"
 
 namespace cfg {

@@ -1,3 +1,5 @@
+#include "platform/base/document_store.h"
+#include "platform/base/file_lock.h"
 #include "platform/base/file_system.h"
 
 #include <fcntl.h>

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/base/file_system.h"
+#include "platform/base/document_store.h"
 #include "platform/base/posix_file_system.h"
 #include "tests/support/temp_root.h"
 

@@ -5,6 +5,8 @@
 #include <memory>
 #include <string>
 
+#include "platform/base/document_store.h"
+#include "platform/base/file_lock.h"
 #include "platform/base/file_system.h"
 #include "platform/base/multi_section_file.h"
 #include "platform/base/posix_file_system.h"

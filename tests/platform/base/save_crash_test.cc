@@ -17,6 +17,8 @@
 #include <thread>
 #include <vector>
 
+#include "platform/base/document_store.h"
+#include "platform/base/file_lock.h"
 #include "platform/base/file_system.h"
 #include "tests/support/kill_child.h"
 #include "tests/support/temp_root.h"

@@ -5,7 +5,7 @@
 #include <string>
 #include <tuple>
 
-#include "platform/base/file_system.h"
+#include "platform/base/document_store.h"
 #include "tests/platform/blocks/all_accessors.h"
 #include "tests/support/temp_root.h"
 

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "platform/base/document.h"
-#include "platform/base/file_system.h"
+#include "platform/base/document_store.h"
 #include "platform/extension/extension_manager.h"
 #include "platform/extension/section_rules.h"
 #include "tests/support/temp_root.h"
