@@ -31,6 +31,9 @@ cfg::Status Extension::Rep::Write(const std::function<cfg::Status(cfg::Document&
   return s;
 }
 
+const std::string gAny = "*";
+const unsigned int gAllProperties = 0xFFFFFFFFu;
+
 Extension::Extension() : rep_(new Rep) { rep_->self = this; }
 
 Extension::~Extension() = default;
@@ -207,5 +210,3 @@ cfg::Status Extension::Update(const std::function<bool()>& body) {
   return s;
 }
 
-CHAttendant::CHAttendant() = default;
-CHAttendant::~CHAttendant() = default;

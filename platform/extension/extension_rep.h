@@ -17,6 +17,9 @@
 
 namespace extdb {
 
+// Every service of a contact, one bit each (0x001 .. 0x200).
+constexpr unsigned kAllServices = 0x3FF;
+
 // Folder of each kind inside the database, by ExtType.
 const char* KindFolder(ExtType type);
 // True for a name that can be an extension's file name: not empty, no

@@ -1,0 +1,4 @@
+#include "platform/extension/ch_attendant.h"
+
+CHAttendant::CHAttendant() = default;
+CHAttendant::~CHAttendant() = default;
