@@ -113,7 +113,7 @@ void CMAgent::Init(const char* logName, bool logFlag) {
   delete logStream;
   logStream = new LogStream(logName ? logName : "cmcfg.log", logFlag, false, 2147483647, 1, 2048, false);
 
-  if (GeneralSettingsAccessor* settings = GeneralSettingsAccessor::GetInstance(false)) {
+  if (InstanceRef<GeneralSettingsAccessor> settings{false}) {
     // Another thread's GetLogLevel may reload the shared instance meanwhile.
     GeneralSettingsAccessor::Lock lock;
     if (settings->maxExtensions > baseCapacity) baseCapacity = settings->maxExtensions;
@@ -122,16 +122,14 @@ void CMAgent::Init(const char* logName, bool logFlag) {
                   static_cast<unsigned>(settings->maxExtensions), kMaxBaseCapacity);
       baseCapacity = kMaxBaseCapacity;
     }
-    GeneralSettingsAccessor::CloseInstance();
   }
 
   sysMessageNames.clear();
-  if (SysMessageAccessor* messages = SysMessageAccessor::GetInstance()) {
+  if (InstanceRef<SysMessageAccessor> messages{false}) {
     std::string name;
     for (int id = 0; id <= kLastSysMessage; ++id)
       if (messages->GetSysMessageName(id, name)) sysMessageNames.push_back(name);
   }
-  SysMessageAccessor::CloseInstance();
 
   if (CHAttendant* system = extensionManager->GetSystemExtension(true)) {
     delete generalData.sysAttendant;

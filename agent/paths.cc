@@ -66,28 +66,20 @@ bool FileExist(std::string& path) {
 // (the agent's start-up) and be reloaded by other threads at the same time:
 // the reload and the reads are one step under the instance's lock.
 void GetLogLevel(bool* logEnabled, bool* logDetails) {
-  GeneralSettingsAccessor* settings = GeneralSettingsAccessor::GetInstance(false);
-  if (settings == nullptr) return;
-  {
-    GeneralSettingsAccessor::Lock lock;
-    settings->Reload();
-    if (logEnabled) *logEnabled = settings->logEnabled != 0;
-    if (logDetails) *logDetails = settings->logDetails != 0;
-  }
-  GeneralSettingsAccessor::CloseInstance();
+  InstanceRef<GeneralSettingsAccessor> settings(false);
+  if (!settings) return;
+  GeneralSettingsAccessor::Lock lock;
+  settings->Reload();
+  if (logEnabled) *logEnabled = settings->logEnabled != 0;
+  if (logDetails) *logDetails = settings->logDetails != 0;
 }
 
 int GetNumberOfFXO() {
-  GeneralSettingsAccessor* settings = GeneralSettingsAccessor::GetInstance(false);
-  if (settings == nullptr) return 2;
-  int ports;
-  {
-    GeneralSettingsAccessor::Lock lock;
-    settings->Reload();
-    ports = settings->fxoPorts;
-  }
-  GeneralSettingsAccessor::CloseInstance();
-  return ports;
+  InstanceRef<GeneralSettingsAccessor> settings(false);
+  if (!settings) return 2;
+  GeneralSettingsAccessor::Lock lock;
+  settings->Reload();
+  return settings->fxoPorts;
 }
 
 std::string TokenMaker(const char* prefix, int number) {
@@ -125,15 +117,6 @@ void CMAgent::FillUserName(std::string& userName) {
 
 namespace {
 
-// Closes the general paths however the caller leaves.
-struct PathsInstance {
-  GeneralPaths* paths;
-  explicit PathsInstance(bool create) : paths(GeneralPaths::GetInstance(create)) {}
-  ~PathsInstance() {
-    if (paths) GeneralPaths::CloseInstance();
-  }
-};
-
 // An empty name gets its default, which is written back.
 std::string NameOrDefault(GeneralPaths* paths, std::string& name, const char* fallback) {
   if (name.empty()) {
@@ -147,8 +130,8 @@ std::string NameOrDefault(GeneralPaths* paths, std::string& name, const char* fa
 
 bool CMAgent::GetRuntimeDbNames(bool createIfMissing) {
   try {
-    PathsInstance instance(createIfMissing);
-    GeneralPaths* paths = instance.paths;
+    InstanceRef<GeneralPaths> instance(createIfMissing);
+    GeneralPaths* paths = instance.get();
     if (paths == nullptr) return false;
     // Names are filled in and saved on the shared instance, which another
     // thread may be using.

@@ -6,19 +6,15 @@
 #include "platform/line/line_manager.h"
 
 bool CMAgent::UpdateFxsData(unsigned long gatewayId, unsigned long lineId) {
-  GatewayAccessor* gateways = GatewayAccessor::GetInstance(true);
-  if (gateways == nullptr) return false;
+  InstanceRef<GatewayAccessor> gateways(true);
+  if (!gateways) return false;
   const GatewayBlock* gateway = gateways->GetBlock(gatewayId);
   if (gateway == nullptr) {
     CMCFG_TRACE(this, "UpdateFxsData: failed to load data for FXS MG{%lu}<%lu>.\n", gatewayId,
                 lineId);
-    GatewayAccessor::CloseInstance();
     return false;
   }
-  if (gateway->IsRemote()) {  // remote ports are bound by the gateway itself
-    GatewayAccessor::CloseInstance();
-    return true;
-  }
+  if (gateway->IsRemote()) return true;  // remote ports are bound by the gateway itself
   // Always a fresh reading: the port was re-assigned by another process.
   LineManager bindings(LineManagerBase::kLineDb, cfg::TelephonyPath("linedb"), false);
   LineBase* entry = bindings.GetLine(static_cast<uint32_t>(gatewayId),
@@ -47,6 +43,5 @@ bool CMAgent::UpdateFxsData(unsigned long gatewayId, unsigned long lineId) {
       }
     }
   }
-  GatewayAccessor::CloseInstance();
   return result;
 }

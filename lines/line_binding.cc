@@ -19,33 +19,6 @@ void ForEachEntryOf(LineManager* db, const std::string& extension, Visit visit) 
     if (!visit(*entry)) return;
 }
 
-// The shared gateway accessor, opened on first use and closed when the
-// scope ends, on every path.
-class GatewayScope {
- public:
-  // createIfMissing: as for GatewayAccessor::GetInstance.
-  explicit GatewayScope(bool createIfMissing) : createIfMissing_(createIfMissing) {}
-  ~GatewayScope() {
-    if (accessor_ != nullptr) GatewayAccessor::CloseInstance();
-  }
-  GatewayScope(const GatewayScope&) = delete;
-  GatewayScope& operator=(const GatewayScope&) = delete;
-
-  // The gateway of that id, or nullptr (also when there is no accessor).
-  const GatewayBlock* Find(unsigned long id) {
-    if (!tried_) {
-      tried_ = true;
-      accessor_ = GatewayAccessor::GetInstance(createIfMissing_);
-    }
-    return accessor_ != nullptr ? accessor_->GetBlock(id) : nullptr;
-  }
-
- private:
-  const bool createIfMissing_;
-  bool tried_ = false;
-  GatewayAccessor* accessor_ = nullptr;
-};
-
 const char* OnOff(int32_t value) { return value != 0 ? "On" : "Off"; }
 
 }  // namespace
@@ -66,11 +39,12 @@ bool CMAgent::GetLineData(const std::string& extension, LineSettings* line, bool
   // During the load the agent holds the gateways open and this shares
   // them; after Destroy the call opens its own instance (a missing file then
   // gives no gateways, so the binding fails the same way).
-  GatewayScope gateways(ownDb != nullptr);
+  // Opened on first use, closed on every path.
+  InstanceRef<GatewayAccessor> gateways(ownDb != nullptr, InstanceRef<GatewayAccessor>::Lazy());
 
   bool result = true;
   ForEachEntryOf(db, extension, [&](const LineBase& entry) {
-    const GatewayBlock* gateway = gateways.Find(entry.gatewayId);
+    const GatewayBlock* gateway = gateways ? gateways->GetBlock(entry.gatewayId) : nullptr;
     if (gateway == nullptr) {
       CMCFG_TRACE(this, "GetLineData: failed to load FXS data for extension %s.\n",
                   extension.c_str());

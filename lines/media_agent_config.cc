@@ -35,20 +35,15 @@ void SetManager(LineManager* given, LineManagerBase::LineMngType type, LineManag
 
 // One interface count, read from the file as it is now.
 unsigned ReadCount(uint32_t GeneralSettingsAccessor::*field) {
-  GeneralSettingsAccessor* settings = GeneralSettingsAccessor::GetInstance(false);
+  InstanceRef<GeneralSettingsAccessor> settings(false);
   // The media agent always drives at least one interface, so no settings
   // means one rather than none.
-  if (settings == nullptr) return 1;
-  unsigned count;
-  {
-    // Another thread may reload the shared instance too: the reload and
-    // the read are one step.
-    GeneralSettingsAccessor::Lock lock;
-    settings->Reload();  // the shared instance may predate the last change
-    count = settings->*field;
-  }
-  GeneralSettingsAccessor::CloseInstance();
-  return count;
+  if (!settings) return 1;
+  // Another thread may reload the shared instance too: the reload and the
+  // read are one step.
+  GeneralSettingsAccessor::Lock lock;
+  settings->Reload();  // the shared instance may predate the last change
+  return settings.get()->*field;
 }
 
 }  // namespace

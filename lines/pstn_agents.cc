@@ -66,20 +66,18 @@ std::list<unsigned short> CasSlots(const std::string& slots, bool* cut) {
 }  // namespace
 
 bool CMAgent::GetPstnAgentData(bool createIfMissing) {
-  GeneralSettingsAccessor* settings = GeneralSettingsAccessor::GetInstance(createIfMissing);
-  if (settings == nullptr) return false;
+  InstanceRef<GeneralSettingsAccessor> settings(createIfMissing);
+  if (!settings) return false;
   GeneralSettingsAccessor::Lock lock;  // no reload by another thread meanwhile
   if (settings->fxoAgent != 0) {
     CMCFG_TRACE(this, "GetPstnAgentData: PSTN agent type is FXO.\n");
     generalData.pstnAgentType = 1;
-    GeneralSettingsAccessor::CloseInstance();
     return true;
   }
   if (settings->isdnAgent == 0 && settings->casAgent != 0) {
     generalData.pstnAgentType = 3;
     generalData.casAgentFlag = 1;
   }
-  GeneralSettingsAccessor::CloseInstance();
   return false;  // only an FXO agent counts as loaded
 }
 

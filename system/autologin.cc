@@ -25,21 +25,20 @@ bool SameUser(const std::string& address, int32_t type, const AuthorizedPhonesDa
 
 bool CMAgent::GetAutologinDB() {
   generalData.authorizedPhones.clear();
-  AuthorizedPhonesAccessor* phones = AuthorizedPhonesAccessor::GetInstance(true);
-  if (phones == nullptr) {
+  InstanceRef<AuthorizedPhonesAccessor> phones(true);
+  if (!phones) {
     CMCFG_TRACE(this, "GetAutologinDB: failed to load authorized phones accessor.\n");
     return false;
   }
   for (const AuthorizedPhoneBlock* block : phones->GetAllBlocks())
     if (block != nullptr) generalData.authorizedPhones.push_back(FromBlock(*block));
-  AuthorizedPhonesAccessor::CloseInstance();
   return true;
 }
 
 bool CMAgent::SaveAutologinUser(AuthorizedPhonesData* user) {
   if (user == nullptr) return false;
-  AuthorizedPhonesAccessor* phones = AuthorizedPhonesAccessor::GetInstance(true);
-  if (phones == nullptr) {
+  InstanceRef<AuthorizedPhonesAccessor> phones(true);
+  if (!phones) {
     CMCFG_TRACE(this, "SaveAutologinUser: failed to load authorized phones accessor.\n");
     return false;
   }
@@ -76,7 +75,6 @@ bool CMAgent::SaveAutologinUser(AuthorizedPhonesData* user) {
   });
   if (!created) {
     CMCFG_TRACE(this, "SaveAutologinUser: failed to create new block\n");
-    AuthorizedPhonesAccessor::CloseInstance();
     return false;
   }
   bool listed = false;
@@ -90,6 +88,5 @@ bool CMAgent::SaveAutologinUser(AuthorizedPhonesData* user) {
     }
   }
   if (!found || !listed) generalData.authorizedPhones.push_back(*user);
-  AuthorizedPhonesAccessor::CloseInstance();
   return true;
 }

@@ -5,15 +5,14 @@
 #include "platform/blocks/general_settings_accessor.h"
 
 bool CMAgent::GetCDRData(bool createIfMissing) {
-  GeneralSettingsAccessor* settings = GeneralSettingsAccessor::GetInstance(createIfMissing);
-  if (settings == nullptr) {
+  InstanceRef<GeneralSettingsAccessor> settings(createIfMissing);
+  if (!settings) {
     CMCFG_TRACE(this, "GetCDRData: failed to load general settings accessor.\n");
     return false;
   }
-  GeneralPaths* paths = GeneralPaths::GetInstance(createIfMissing);
-  if (paths == nullptr) {
+  InstanceRef<GeneralPaths> paths(createIfMissing);
+  if (!paths) {
     CMCFG_TRACE(this, "GetCDRData: failed to load general paths accessor.\n");
-    GeneralSettingsAccessor::CloseInstance();
     return false;
   }
 
@@ -49,7 +48,5 @@ bool CMAgent::GetCDRData(bool createIfMissing) {
               cdr.statedPath.c_str(), cdr.statedRecords, cdr.statedFiles, cdr.missedPath.c_str(),
               cdr.missedRecords, cdr.missedFiles, cdr.failedPath.c_str(), cdr.failedRecords,
               cdr.failedFiles);
-  GeneralPaths::CloseInstance();
-  GeneralSettingsAccessor::CloseInstance();
   return true;
 }

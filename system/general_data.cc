@@ -43,8 +43,8 @@ void CopyLimitsAndFlags(const GeneralSettingsAccessor& s, GeneralData& g) {
 }  // namespace
 
 bool CMAgent::GetGeneralData(bool createIfMissing) {
-  GeneralSettingsAccessor* settings = GeneralSettingsAccessor::GetInstance(createIfMissing);
-  if (settings == nullptr) {
+  InstanceRef<GeneralSettingsAccessor> settings(createIfMissing);
+  if (!settings) {
     CMCFG_TRACE(this, "GetGeneralData: failed to load accessor.\n");
     return false;
   }
@@ -66,8 +66,6 @@ bool CMAgent::GetGeneralData(bool createIfMissing) {
   g.videoCalls = 0;
   g.presence = 0;
   g.dialPlanPath = cfg::TelephonyPath("dialplan.cfg");
-  CopyLimitsAndFlags(*settings, g);
-
-  GeneralSettingsAccessor::CloseInstance();
+  CopyLimitsAndFlags(*settings.get(), g);
   return true;
 }

@@ -49,4 +49,50 @@ class SharedAccessor {
   static void Destroy(Accessor* accessor);
 };
 
+// One reference to Accessor's shared instance, taken with GetInstance when
+// constructed (or on first use, with Lazy) and dropped with CloseInstance
+// when it goes, on every path. Move-only; empty when GetInstance gave none.
+template <typename Accessor>
+class InstanceRef {
+ public:
+  struct Lazy {};
+
+  explicit InstanceRef(bool createIfMissing)
+      : createIfMissing_(createIfMissing), tried_(true),
+        instance_(SharedAccessor<Accessor>::GetInstance(createIfMissing)) {}
+  // Takes the reference at the first get().
+  InstanceRef(bool createIfMissing, Lazy) : createIfMissing_(createIfMissing) {}
+  ~InstanceRef() { Reset(); }
+  InstanceRef(InstanceRef&& other) noexcept
+      : createIfMissing_(other.createIfMissing_), tried_(other.tried_),
+        instance_(other.instance_) {
+    other.instance_ = nullptr;
+  }
+  InstanceRef(const InstanceRef&) = delete;
+  InstanceRef& operator=(const InstanceRef&) = delete;
+  InstanceRef& operator=(InstanceRef&&) = delete;
+
+  // The instance, or nullptr.
+  Accessor* get() {
+    if (!tried_) {
+      tried_ = true;
+      instance_ = SharedAccessor<Accessor>::GetInstance(createIfMissing_);
+    }
+    return instance_;
+  }
+  Accessor* operator->() { return get(); }
+  explicit operator bool() { return get() != nullptr; }
+
+  // Drops the reference now; get() takes none again.
+  void Reset() {
+    if (instance_ != nullptr) SharedAccessor<Accessor>::CloseInstance();
+    instance_ = nullptr;
+  }
+
+ private:
+  const bool createIfMissing_;
+  bool tried_ = false;
+  Accessor* instance_ = nullptr;
+};
+
 #endif  // CMCFG_PLATFORM_BLOCKS_SHARED_ACCESSOR_H_
