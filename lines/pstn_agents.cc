@@ -5,6 +5,7 @@
 #include "agent/agent_log.h"
 #include "agent/extension_frame.h"
 #include "cmcfg/cm_agent.h"
+#include "platform/base/number_rules.h"
 #include "platform/base/string_utils.h"
 #include "platform/blocks/general_settings_accessor.h"
 #include "platform/extension/extension_manager.h"
@@ -20,16 +21,6 @@ const unsigned kMaxTimeSlot = 31;   // an E1 frame has 32 time slots
 const size_t kMaxSpans = 64;
 const size_t kMaxChannels = 256;
 
-// The number the text starts with (after blanks); 0 without digits.
-// Malformed numbers are not reported: the leading digits are what counts.
-unsigned short LeadingNumber(const std::string& text, std::string::size_type from = 0) {
-  while (from < text.size() && (text[from] == ' ' || text[from] == '\t')) ++from;
-  unsigned long value = 0;
-  for (; from < text.size() && text[from] >= '0' && text[from] <= '9'; ++from)
-    value = (value * 10 + static_cast<unsigned long>(text[from] - '0')) & 0xFFFFFFFFul;
-  return static_cast<unsigned short>(value);
-}
-
 // The comma-separated numbers, at most kMaxChannels; *cut tells when more
 // were given.
 std::list<unsigned short> NumberList(const std::string& spec, bool* cut) {
@@ -39,7 +30,7 @@ std::list<unsigned short> NumberList(const std::string& spec, bool* cut) {
       *cut = true;
       break;
     }
-    numbers.push_back(LeadingNumber(piece));
+    numbers.push_back(cfg::LeadingDigits(piece));
   }
   return numbers;
 }
@@ -53,7 +44,7 @@ std::list<unsigned short> CasSlots(const std::string& slots, bool* cut) {
   if (dash == std::string::npos) {
     found = NumberList(slots, cut);
   } else {
-    unsigned first = LeadingNumber(slots), last = LeadingNumber(slots, dash + 1);
+    unsigned first = cfg::LeadingDigits(slots), last = cfg::LeadingDigits(slots, dash + 1);
     if (last > kMaxTimeSlot) last = kMaxTimeSlot, *cut = true;
     for (unsigned slot = first; slot <= last; ++slot) found.push_back(static_cast<unsigned short>(slot));
   }
@@ -116,7 +107,7 @@ void CMAgent::GetCasData(const std::string& spec,
   bool cut = false;
   for (const std::string& group : StringUtils::ParseCommaLine(text, ';')) {
     std::string::size_type slash = group.find('/');
-    unsigned short span = LeadingNumber(group);
+    unsigned short span = cfg::LeadingDigits(group);
     std::list<unsigned short> slots = slash == std::string::npos
                                           ? std::list<unsigned short>()
                                           : CasSlots(group.substr(slash + 1), &cut);

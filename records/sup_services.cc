@@ -3,6 +3,7 @@
 
 #include "cmcfg/sup_service_records.h"
 #include "cmcfg/system_records.h"
+#include "platform/base/number_rules.h"
 #include "platform/base/string_utils.h"
 #include "platform/base/thread_mutex.h"
 #include "platform/blocks/ring_pattern_params.h"
@@ -116,7 +117,7 @@ DistRingData& DistRingData::operator=(const SSDistRingingParams& params) {
     cadence.clear();
   }
   for (const std::string& piece : StringUtils::ParseCommaLine(pattern, ',')) {
-    cadence.push_back(static_cast<unsigned long>(strtol(piece.c_str(), nullptr, 10)));
+    cadence.push_back(cfg::CadenceValue(piece));
   }
   // A single value is no cadence at all.
   if (cadence.size() <= 1) CopyDefaultCadence(&cadence);

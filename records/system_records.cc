@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 
+#include "platform/base/number_rules.h"
 #include "platform/base/string_utils.h"
 #include "platform/base/thread_mutex.h"
 #include "platform/blocks/fxs_data_accessor.h"
@@ -20,14 +21,11 @@ DefaultRingpattern::~DefaultRingpattern() { delete mutex; }
 void DefaultRingpattern::Init() {
   MutexLock lock(mutex);
   cadence.clear();
-  if (FxsDataAccessor* fxs = FxsDataAccessor::GetInstance(true)) {
-    cadence = fxs->ringCadence;
-    FxsDataAccessor::CloseInstance();
-  }
+  if (InstanceRef<FxsDataAccessor> fxs{true}) cadence = fxs->ringCadence;
   if (cadence.size() < 2) {
     cadence.clear();
     for (const std::string& piece : StringUtils::ParseCommaLine("1000,2500", ',')) {
-      cadence.push_back(strtoul(piece.c_str(), nullptr, 10));
+      cadence.push_back(cfg::CadenceValue(piece));
     }
   }
 }

@@ -6,6 +6,7 @@
 #include "agent/agent_log.h"
 #include "agent/extension_frame.h"
 #include "cmcfg/cm_agent.h"
+#include "platform/base/number_rules.h"
 #include "platform/base/string_utils.h"
 #include "services/call_type.h"
 
@@ -30,7 +31,7 @@ int CMAgent::UpdateContact(ExtensionData* extension, const std::string& ids,
   const char* name = extension->name.c_str();
 
   for (const std::string& piece : StringUtils::ParseCommaLine(ids, ',')) {
-    long id = std::strtol(piece.c_str(), nullptr, 10);
+    long id = cfg::DecimalPrefix(piece);
     auto entry = FindContact(book, id);
     AddressPatternBlock* block = nullptr;
     if (mode != UpdateTypeCodes::kModeErase && params != nullptr && id > 0)

@@ -6,6 +6,7 @@
 #include "cmcfg/cm_agent.h"
 #include "platform/base/config_root.h"
 #include "platform/base/multi_section_file.h"
+#include "platform/base/number_rules.h"
 #include "platform/base/smart_buffer.h"
 
 namespace {
@@ -16,10 +17,7 @@ std::string ReadText(Configuration::MultiSectionFile& file, const char* key, Sma
 }
 
 long ReadTime(Configuration::MultiSectionFile& file, const char* key, SmartBuffer& buffer) {
-  long value = 0;
-  std::istringstream in(ReadText(file, key, buffer));
-  in >> value;
-  return value;
+  return cfg::LeadingValue<long>(ReadText(file, key, buffer));
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "platform/base/document_store.h"
+#include "platform/base/number_rules.h"
 
 namespace {
 
@@ -39,13 +40,6 @@ const char* const kFaxKeys[11] = {
     "fill_bit_removal", "transcoding_mmr", "transcoding_jbig",
 };
 
-uint32_t Unsigned(std::string_view text) {
-  std::string value(text);
-  if (value.empty() || value[0] == '-') return 0;
-  char* end = nullptr;
-  unsigned long long v = std::strtoull(value.c_str(), &end, 0);
-  return (*end == '\0' && v <= 0xFFFFFFFFull) ? static_cast<uint32_t>(v) : 0;
-}
 
 }  // namespace
 
@@ -77,7 +71,7 @@ struct EncodingManager::Rep {
     for (const cfg::Section& section : doc.sections()) {
       FaxEncoding encoding;
       encoding.name = std::string(section.name);
-      for (int i = 0; i < 11; ++i) encoding.values[i] = Unsigned(section.Get(kFaxKeys[i]));
+      for (int i = 0; i < 11; ++i) encoding.values[i] = cfg::CUnsignedOrZero(section.Get(kFaxKeys[i]));
       encodings.push_back(encoding);
     }
   }

@@ -9,6 +9,7 @@
 
 #include "platform/base/document_store.h"
 #include "platform/base/file_system.h"
+#include "platform/base/number_rules.h"
 
 namespace {
 
@@ -35,18 +36,6 @@ bool ParseNumber(std::string_view text, uint32_t* value) {
   }
   if (v > 0xFFFFFFFFull) return false;
   *value = static_cast<uint32_t>(v);
-  return true;
-}
-
-// A number as the line database takes it (C conventions: decimal, "0x"
-// hex or leading-zero octal); false for anything else.
-bool ParseInt(std::string_view text, int32_t* out) {
-  if (text.empty()) return false;
-  const std::string value(text);
-  char* end = nullptr;
-  long v = std::strtol(value.c_str(), &end, 0);
-  if (*end != '\0' || v < INT32_MIN || v > INT32_MAX) return false;
-  *out = static_cast<int32_t>(v);
   return true;
 }
 
@@ -117,7 +106,7 @@ void ReadEntry(const cfg::Section& s, int type, LineBase* entry) {
   if (keys.textKey != nullptr) entry->*keys.text = std::string(s.Get(keys.textKey));
   for (const NumberKey& number : keys.numbers) {
     int32_t value = number.fallback;
-    if (const cfg::Entry* found = s.Find(number.key)) ParseInt(found->value, &value);
+    if (const cfg::Entry* found = s.Find(number.key)) cfg::ParseCNumber(found->value, &value);
     number.store(entry, value);
   }
 }
@@ -136,7 +125,7 @@ const cfg::KeyRules* LineSectionRules(std::string_view name) {
         rule.key = number.key;
         rule.accepts = [](std::string_view text) {
           int32_t value = 0;
-          return ParseInt(text, &value);
+          return cfg::ParseCNumber(text, &value);
         };
         rule.expected = "a number";
         rule.fallback = "the default is kept";
