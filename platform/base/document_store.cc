@@ -5,26 +5,27 @@
 #include <errno.h>
 
 #include <memory>
-#include <mutex>
 #include <string_view>
 #include <utility>
 
 #include "platform/base/document_render.h"
 #include "platform/base/file_lock.h"
 #include "platform/base/file_system.h"
+#include "platform/base/thread_mutex.h"
 
 namespace cfg {
 
 namespace {
 
-std::mutex& ReporterMutex() {
-  static std::mutex* mutex = new std::mutex;
-  return *mutex;
-}
+// The installed reporter; reports are made one at a time under its mutex.
+struct Reporting {
+  ThreadMutex mu;
+  StoreReporter reporter CMCFG_GUARDED_BY(mu);
+};
 
-StoreReporter& Reporter() {
-  static StoreReporter* reporter = new StoreReporter;
-  return *reporter;
+Reporting& Installed() {
+  static Reporting* installed = new Reporting;  // never destroyed: saves may run at exit
+  return *installed;
 }
 
 void ReportToStderr(const std::string& line) {
@@ -45,10 +46,11 @@ void ReportStoreFailure(const std::string& path, const Status& s) {
     ReportToStderr(line);
     return;
   }
-  std::lock_guard<std::mutex> guard(ReporterMutex());
+  Reporting& installed = Installed();
+  MutexLock guard(&installed.mu);
   reporting = true;
-  if (Reporter()) {
-    Reporter()(line);
+  if (installed.reporter) {
+    installed.reporter(line);
   } else {
     ReportToStderr(line);
   }
@@ -56,8 +58,9 @@ void ReportStoreFailure(const std::string& path, const Status& s) {
 }
 
 void SetStoreReporter(StoreReporter reporter) {
-  std::lock_guard<std::mutex> guard(ReporterMutex());
-  Reporter() = std::move(reporter);
+  Reporting& installed = Installed();
+  MutexLock guard(&installed.mu);
+  installed.reporter = std::move(reporter);
 }
 
 Status LoadDocument(const std::string& path, Document* doc, const Syntax& syntax) {

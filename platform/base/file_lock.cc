@@ -13,11 +13,11 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <mutex>
 #include <thread>
 
 #include "platform/base/file_system.h"
 #include "platform/base/posix_file_system.h"
+#include "platform/base/thread_mutex.h"
 
 namespace cfg {
 
@@ -54,22 +54,22 @@ struct HeldLock {
   std::thread::id owner;
 };
 
-std::mutex& HeldMutex() {
-  static std::mutex* mutex = new std::mutex;  // never destroyed: locks may outlive statics
-  return *mutex;
-}
+struct HeldLocks {
+  ThreadMutex mu;
+  std::vector<HeldLock> locks CMCFG_GUARDED_BY(mu);
+};
 
-std::vector<HeldLock>& Held() {
-  static std::vector<HeldLock>* held = new std::vector<HeldLock>;
+HeldLocks& Held() {
+  static HeldLocks* held = new HeldLocks;  // never destroyed: locks may outlive statics
   return *held;
 }
 
 void Forget(const FileLock* lock) {
-  std::lock_guard<std::mutex> guard(HeldMutex());
-  std::vector<HeldLock>& held = Held();
-  held.erase(std::remove_if(held.begin(), held.end(),
-                            [lock](const HeldLock& h) { return h.lock == lock; }),
-             held.end());
+  HeldLocks& held = Held();
+  MutexLock guard(&held.mu);
+  held.locks.erase(std::remove_if(held.locks.begin(), held.locks.end(),
+                                  [lock](const HeldLock& h) { return h.lock == lock; }),
+                   held.locks.end());
 }
 
 }  // namespace
@@ -160,8 +160,9 @@ FileLock::FileLock(const std::string& path, std::chrono::milliseconds timeout) :
   }
   fd_ = fd;
   {
-    std::lock_guard<std::mutex> guard(HeldMutex());
-    Held().push_back(HeldLock{this, path_, std::this_thread::get_id()});
+    HeldLocks& held = Held();
+    MutexLock guard(&held.mu);
+    held.locks.push_back(HeldLock{this, path_, std::this_thread::get_id()});
   }
   RemoveStaleTemps();
 }
@@ -223,9 +224,10 @@ Status FileLock::WriteNotes(const std::string& extra) {
 class LockedSave {
  public:
   static FileLock* Find(const std::string& path) {
-    std::lock_guard<std::mutex> guard(HeldMutex());
+    HeldLocks& held = Held();
+    MutexLock guard(&held.mu);
     const std::thread::id self = std::this_thread::get_id();
-    for (const HeldLock& h : Held())
+    for (const HeldLock& h : held.locks)
       if (h.owner == self && h.path == path) return h.lock;
     return nullptr;
   }
