@@ -29,10 +29,10 @@ Findings FindProblems(const std::string& root) {
   return findings;
 }
 
-int RunCheck(const CheckOptions& options, std::ostream& out, std::ostream& err) {
+int RunCheck(const Invocation& options, std::ostream& out, std::ostream& err) {
   cfg::ReadOnlyScope readOnly;  // a check looks; it never repairs
   const std::string root = ResolveRoot(options.root);
-  if (!RootIsUsable(root, err)) return 2;
+  if (!RootIsUsable(root, err)) return kUsage;
   const Findings findings = FindProblems(root);
   if (options.json)
     PrintFindingsJson(findings, out);

@@ -7,8 +7,10 @@
 #include <ostream>
 
 #include "cmcfg/cm_agent.h"
-#include "tools/dump.h"
+#include "tools/document.h"
+#include "tools/file_compare.h"
 #include "tools/session.h"
+#include "tools/shadow_root.h"
 
 namespace cmcfg_tool {
 namespace {
@@ -159,33 +161,6 @@ class Differ {
 
 }  // namespace
 
-namespace {
-
-// Paths under the root are compared relative to it.
-void RelativeToRoot(ordered_json* value, const std::string& root) {
-  if (value->is_structured()) {
-    for (ordered_json& item : *value) RelativeToRoot(&item, root);
-  } else if (value->is_string() && !root.empty()) {
-    const std::string& text = value->get_ref<const std::string&>();
-    if (text.compare(0, root.size(), root) == 0) *value = "ROOT/" + text.substr(root.size());
-  }
-}
-
-}  // namespace
-
-void StabiliseDump(ordered_json* dump, const std::string& root) {
-  RelativeToRoot(dump, root);
-  if (!dump->contains("extensions")) return;
-  for (ordered_json& e : (*dump)["extensions"]) {
-    if (!e.contains("sip") || !e["sip"].contains("user") || !e["sip"]["user"].is_string()) continue;
-    std::string user = e["sip"]["user"].get<std::string>();
-    user.erase(std::remove_if(user.begin(), user.end(),
-                              [](char c) { return c >= '0' && c <= '9'; }),
-               user.end());
-    e["sip"]["user"] = user;
-  }
-}
-
 std::vector<std::string> DiffDumps(const ordered_json& a, const ordered_json& b) {
   std::vector<std::string> lines;
   Differ(&lines).Compare("", "", a, b);
@@ -203,19 +178,32 @@ struct HeldDump {
   std::map<std::string, std::vector<std::pair<std::string, std::string>>> records;
 };
 
-HeldDump Hold(const CMAgent& agent, const std::string& root) {
+// Holds a document's records as one-line texts and keeps the rest.
+class HoldingSink : public DocumentSink {
+ public:
+  explicit HoldingSink(HeldDump* held) : held_(held) {}
+  void Member(const std::string& key, Tree value) override { held_->rest[key] = std::move(value); }
+  void BeginArray(const std::string& key) override {
+    key_ = key;
+    held_->rest[key] = ordered_json::array();
+  }
+  void Record(Tree record) override {
+    held_->records[key_].emplace_back(ScalarText(record.value("name", ordered_json())),
+                                      record.dump(-1, ' ', false,
+                                                  ordered_json::error_handler_t::replace));
+  }
+  void EndArray() override {}
+
+ private:
+  HeldDump* held_;
+  std::string key_;
+};
+
+HeldDump Hold(const std::string& root, const std::string& logDir, std::ostream& err) {
   HeldDump held;
-  held.rest = DumpJsonByRecord(agent, [&](const std::string& array, ordered_json record) {
-    ordered_json one = ordered_json::object();  // built in place: a braced list would copy
-    one[array] = ordered_json::array();
-    one[array].push_back(std::move(record));
-    StabiliseDump(&one, root);
-    const ordered_json& stable = one[array][0];
-    held.records[array].emplace_back(ScalarText(stable.value("name", ordered_json())),
-                                     stable.dump(-1, ' ', false,
-                                                 ordered_json::error_handler_t::replace));
-  });
-  StabiliseDump(&held.rest, root);
+  AgentSession session(root, logDir, Access::kInspect, &err);
+  HoldingSink sink(&held);
+  ProduceDocument(session.agent(), root, Detail::kFull, sink);
   return held;
 }
 
@@ -277,18 +265,24 @@ ordered_json Without(ordered_json doc, std::initializer_list<const char*> drop) 
 
 }  // namespace
 
-int RunDiff(const DiffOptions& options, std::ostream& out, std::ostream& err) {
-  const std::string rootA = ResolveRoot(options.rootA);
-  const std::string rootB = ResolveRoot(options.rootB);
-  if (!RootIsUsable(rootA, err) || !RootIsUsable(rootB, err)) return 2;
+int RunDiff(const Invocation& invocation, std::ostream& out, std::ostream& err) {
+  const std::string roots[2] = {ResolveRoot(invocation.operands.at(0)),
+                                ResolveRoot(invocation.operands.at(1))};
+  if (!RootIsUsable(roots[0], err) || !RootIsUsable(roots[1], err)) return kUsage;
+  // The files first: the records are built only where they differ.
+  const FileComparison files = CompareFiles(roots[0], roots[1]);
+  if (files.same) return kOk;
   HeldDump held[2];
-  const std::string roots[2] = {rootA, rootB};
-  // One log for both loads, and out of both roots when run inside either.
-  const std::string logDir = InspectionLogDir(rootA, InspectionLogDir(rootB, options.logDir));
   for (int i = 0; i < 2; ++i) {
     // One agent at a time: each load points ORBA_PATH at its own root.
-    AgentSession session(roots[i], logDir, Access::kInspect, &err);
-    held[i] = Hold(session.agent(), roots[i]);
+    if (files.onlyExtensions) {
+      const ShadowRoot shadow(roots[i], files.extensions);
+      if (!shadow.path().empty()) {
+        held[i] = Hold(shadow.path(), invocation.logDir, err);
+        continue;
+      }
+    }
+    held[i] = Hold(roots[i], invocation.logDir, err);
   }
   // In the dump's order: the table, its records, the attendants, the rest.
   std::vector<std::string> lines =
@@ -299,7 +293,7 @@ int RunDiff(const DiffOptions& options, std::ostream& out, std::ostream& err) {
   for (std::string& line : DiffDumps(Without(held[0].rest, drop), Without(held[1].rest, drop)))
     lines.push_back(std::move(line));
   for (const std::string& line : lines) out << line << "\n";
-  return lines.empty() ? 0 : 1;
+  return lines.empty() ? kOk : kFindings;
 }
 
 }  // namespace cmcfg_tool

@@ -27,6 +27,7 @@ const char kUser[] = "telephony/extensiondb/user/";
 // `cmcfg check` as typed, down to the exit status.
 class CheckTest : public ::testing::Test {
  protected:
+  CheckTest() { root_.MakeDir("telephony"); }
   int Run(const std::vector<std::string>& args) {
     return tool_testing::RunCmcfg(args, out_, err_);
   }
@@ -64,9 +65,12 @@ TEST_F(CheckTest, ExitStatusTwoWhenTheRootCannotBeRead) {
             err_.str());
 }
 
-TEST_F(CheckTest, AnEmptyRootIsClean) {
-  EXPECT_EQ(0, Check());
+TEST_F(CheckTest, AFolderWithoutTelephonyIsNotARoot) {
+  EXPECT_EQ(2, Run({"check", "--root", root_.Path("telephony")}));
   EXPECT_EQ("", out_.str());
+  EXPECT_EQ("cmcfg: cannot read the configuration root " + root_.Path("telephony/") +
+                ": not a configuration root (no telephony/ folder)\n",
+            err_.str());
 }
 
 TEST_F(CheckTest, ParserDiagnosticsAreErrorsWithTheLineAndACaret) {
