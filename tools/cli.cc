@@ -28,8 +28,9 @@ void AddRootOptions(CLI::App* app, Invocation* invocation) {
 }
 
 void AddVerbOptions(CLI::App* sub, const Verb& verb, Invocation* invocation) {
-  CLI::Option* operands = sub->add_option("operands", invocation->operands, verb.operands);
-  operands->expected(0, static_cast<int>(verb.maxOperands));
+  if (verb.maxOperands > 0)
+    sub->add_option("operands", invocation->operands, verb.operands)
+        ->expected(0, static_cast<int>(verb.maxOperands));
   AddRootOptions(sub, invocation);
   if (verb.options & kJsonOption) sub->add_flag("--json", invocation->json, "Print JSON");
   if (verb.options & kDryRunOption)

@@ -58,6 +58,10 @@ bool WriteContactChange(const std::string& file, UpdateTypeCodes::UpdateTypeMode
       block.name = name;
       block.callType = type;
       extdb::WriteContact(block, &doc);
+      // A new any-caller contact comes with its forward, off, so that the
+      // forward verbs have one to act on.
+      if (mode == UpdateTypeCodes::kModeAdd && name == gAny)
+        doc.Set(doc.Add(extdb::ServiceSection(*id, "forward_unconditional")), "active", "0");
       return true;
     }
     // The contact's own section and those of its services ("contact ID ...").

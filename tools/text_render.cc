@@ -17,7 +17,8 @@ bool IsDestination(const Tree& value) {
 bool IsInline(const Tree& value) {
   if (IsDestination(value)) return true;
   if (value.is_array())
-    return std::none_of(value.begin(), value.end(), [](const Tree& v) { return v.is_object(); });
+    return std::all_of(value.begin(), value.end(),
+                       [](const Tree& v) { return !v.is_object() || IsDestination(v); });
   return !value.is_object();
 }
 

@@ -5,7 +5,7 @@
 // Keys become labels ("call_waiting" -> "call waiting"); values line up in
 // one column:
 // - a value: "label  value" ("-" when empty, "yes"/"no" for a flag);
-// - a list of values: "label  a, b, c";
+// - a list of values or destinations: "label  a, b, c";
 // - an object that starts with "text" (a destination): that text;
 // - an object of at most four values: "label  key value, key value";
 // - another object: "label", then its members one step in;

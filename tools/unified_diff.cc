@@ -52,10 +52,10 @@ std::vector<Edit> Script(const std::vector<std::string>& a, const std::vector<st
   while (i < n || j < m) {
     if (i < n && j < m && a[head + i] == b[head + j]) {
       edits.push_back({' ', head + i++, head + j++});
-    } else if (j < m && (i == n || lcs[i][j + 1] >= lcs[i + 1][j])) {
-      edits.push_back({'+', head + i, head + j++});
+    } else if (i < n && (j == m || lcs[i + 1][j] >= lcs[i][j + 1])) {
+      edits.push_back({'-', head + i++, head + j});  // removals first, as diff shows them
     } else {
-      edits.push_back({'-', head + i++, head + j});
+      edits.push_back({'+', head + i, head + j++});
     }
   }
   for (size_t k = 0; k < tail; ++k) edits.push_back({' ', head + n + k, head + m + k});

@@ -29,6 +29,9 @@ int Refused(const cfg::Status& status, std::ostream& err) {
   return kFindings;
 }
 
+// A flag of a tree, stored as a number or a boolean.
+bool On(const Tree& flag) { return flag.is_boolean() ? flag.get<bool>() : flag.get<int64_t>() != 0; }
+
 // "before" and "after" of one tree, as text.
 void PrintChange(const std::string& heading, const Tree& before, const Tree& after,
                  std::ostream& out) {
@@ -109,6 +112,17 @@ Tree BlockingOf(const std::list<AddressBookEntry>& book, const std::string& numb
   return j;
 }
 
+// Why a forward operation gave false, from the forward as stored now.
+std::string ForwardFailure(const Tree& stored, const std::string& action) {
+  bool fromPhone = false;
+  for (const Tree& destination : stored.value("destinations", Tree::array()))
+    fromPhone = fromPhone || destination["type"] == CallTypeName(kCallFromPhone);
+  if (action == "set" && fromPhone)
+    return "a different number is set from the phone; use --replace";
+  if (action == "clear" && !fromPhone) return "no number set from the phone to remove";
+  return "the any-caller contact holds no forward service yet (see --log-dir)";
+}
+
 }  // namespace
 
 int RunForward(const Invocation& invocation, std::ostream& out, std::ostream& err) {
@@ -132,7 +146,7 @@ int RunForward(const Invocation& invocation, std::ostream& out, std::ostream& er
           << "cmcfg contact " << extension.name << " add '*'\n";
       return kFindings;
     }
-    const bool active = before["active"].get<bool>();
+    const bool active = On(before["active"]);
     if ((action == "on" && active) || (action == "off" && !active)) {
       report << "forward unconditional of " << extension.name << " is already " << action
              << "; nothing to change\n";
@@ -149,10 +163,7 @@ int RunForward(const Invocation& invocation, std::ostream& out, std::ostream& er
     }
     if (!done) {
       err << "cmcfg: forward " << extension.name << " " << action << ": "
-          << (action == "set" ? "a different number is set from the phone; use --replace"
-                              : action == "clear" ? "no number set from the phone to remove"
-                                                  : "the forward could not be read")
-          << "\n";
+          << ForwardFailure(AnyCallerForward(StoredBook(agent, extension)), action) << "\n";
       return kFindings;
     }
     const Tree after = AnyCallerForward(extension.addressBook);
@@ -201,7 +212,7 @@ int RunUnblock(const Invocation& invocation, std::ostream& out, std::ostream& er
                                                    const std::string& file, std::ostream& report) -> int {
     const bool outgoing = invocation.outgoing;
     const Tree before = BlockingOf(extension.addressBook, number, type, outgoing);
-    if (!before.is_object() || !before["active"].get<bool>()) {
+    if (!before.is_object() || !On(before["active"])) {
       report << number << " is not blocked; nothing to change\n";
       return kOk;
     }
@@ -228,7 +239,7 @@ int RunUnblock(const Invocation& invocation, std::ostream& out, std::ostream& er
     PrintChange(std::string(outgoing ? "outgoing" : "incoming") + " blocking of " + number +
                     " for " + extension.name,
                 before, after, report);
-    return after["active"].get<bool>() ? Verified(after, before, file, err) : kOk;
+    return On(after["active"]) ? Verified(after, before, file, err) : kOk;
   });
 }
 
