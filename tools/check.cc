@@ -8,6 +8,7 @@
 #include "tools/check_keys.h"
 #include "tools/check_linedb.h"
 #include "tools/check_pstn.h"
+#include "tools/check_root_files.h"
 #include "tools/check_service_codes.h"
 #include "tools/check_syntax.h"
 #include "tools/check_tones.h"
@@ -18,6 +19,7 @@ namespace cmcfg_tool {
 Findings FindProblems(const std::string& root) {
   Findings findings;
   const std::vector<CheckedFile> files = LoadRootFiles(root, &findings);
+  CheckRootFiles(root, files, &findings);
   CheckExtensions(files, &findings);
   CheckDestinations(files, &findings);
   CheckBlockFiles(files, &findings);

@@ -3,6 +3,9 @@
 #include <set>
 #include <string>
 
+#include "platform/base/value_codec.h"
+#include "platform/extension/value_rules.h"
+
 namespace cmcfg_tool {
 namespace {
 
@@ -52,6 +55,22 @@ class Checker {
                                    what + " \"" + name + "\" names no extension"));
   }
 
+  // A destination whose address does not read back as the store's own
+  // rule for its type says is dropped without a word. (An entry that is not
+  // "enabled,type,address" has its finding from the key rules.)
+  void Readable(const CheckedFile& file, const cfg::Entry& entry,
+                const std::vector<std::string>& parts) {
+    int32_t type = 0;
+    if (parts.size() != 3 || !cfg::ParseValue(parts[1], &type)) return;
+    const cfg::Status valid = extdb::CheckDestination(type, parts[2]);
+    if (valid.ok()) return;
+    findings_->push_back(FindingAt(file.relative, file.lines, entry.line, parts[2], true,
+                                   "dropped-destination",
+                                   "forward destination \"" + parts[2] +
+                                       "\" cannot be split as the agent reads it (" +
+                                       valid.message() + "); the agent drops it"));
+  }
+
   void Extension(const CheckedFile& file) {
     const bool user = ExtensionKind(file) == "user";
     ForEachFirstSection(file.doc, [&](const cfg::Section& section) {
@@ -60,6 +79,7 @@ class Checker {
         for (const cfg::Entry& entry : section.entries) {
           if (!StartsWith(entry.key, "destination_")) continue;
           const std::vector<std::string> parts = SplitFields(entry.value, 3);
+          Readable(file, entry, parts);
           // The agent drops a destination that is switched off.
           if (parts.size() == 3 && parts[0] != "0" && parts[1] == "0")
             Require(file, entry, parts[2], "forward destination");

@@ -14,7 +14,7 @@ namespace {
 namespace fs = std::filesystem;
 
 // Settings files read by the agent or its accessors, relative to the root.
-const char* const kSettingsFiles[] = {
+const std::vector<std::string> kSettingsFiles = {
     "telephony/general.cfg",    "telephony/paths.cfg",       "telephony/fxs.cfg",
     "telephony/log_login.cfg",  "telephony/gateways.cfg",    "telephony/tos.cfg",
     "telephony/authorized_phones.cfg", "telephony/ringpatterns.cfg",
@@ -100,6 +100,8 @@ Finding KeyFinding(const CheckedFile& file, const cfg::Entry& entry, bool error,
   return LineFinding(file, entry.line, entry.key, error, code, message);
 }
 
+const std::vector<std::string>& SettingsFiles() { return kSettingsFiles; }
+
 const CheckedFile* FindFile(const std::vector<CheckedFile>& files, const std::string& relative) {
   for (const CheckedFile& file : files)
     if (file.relative == relative) return &file;
@@ -124,7 +126,7 @@ bool IsExtensionFileName(const std::string& fileName) {
 
 std::vector<CheckedFile> LoadRootFiles(const std::string& root, Findings* findings) {
   std::vector<CheckedFile> files;
-  for (const char* relative : kSettingsFiles) LoadOne(root, relative, findings, &files);
+  for (const std::string& relative : kSettingsFiles) LoadOne(root, relative, findings, &files);
   const std::string db = "telephony/extensiondb/";
   for (const std::string& kind : SortedEntries(root + db, true)) {
     const std::string folder = db + kind + "/";

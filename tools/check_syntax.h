@@ -27,6 +27,10 @@ struct CheckedFile {
 // names break the naming rules (warnings; such files are not returned).
 std::vector<CheckedFile> LoadRootFiles(const std::string& root, Findings* findings);
 
+// The settings files the agent reads, relative to the root, in the order
+// LoadRootFiles reads them.
+const std::vector<std::string>& SettingsFiles();
+
 // The file `relative` among `files`, or nullptr when the root has none.
 const CheckedFile* FindFile(const std::vector<CheckedFile>& files, const std::string& relative);
 

@@ -27,6 +27,7 @@ const char kUser[] = "telephony/extensiondb/user/";
 // Every finding of a root as the text `check` prints, caret lines included.
 class CheckRulesTest : public ::testing::Test {
  protected:
+  CheckRulesTest() { tool_testing::EmptySettings(root_); }
   std::vector<std::string> Check() {
     std::ostringstream out;
     cmcfg_tool::PrintFindings(cmcfg_tool::FindProblems(root_.path()), out);

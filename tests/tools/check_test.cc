@@ -27,7 +27,7 @@ const char kUser[] = "telephony/extensiondb/user/";
 // `cmcfg check` as typed, down to the exit status.
 class CheckTest : public ::testing::Test {
  protected:
-  CheckTest() { root_.MakeDir("telephony"); }
+  CheckTest() { tool_testing::EmptySettings(root_); }
   int Run(const std::vector<std::string>& args) {
     return tool_testing::RunCmcfg(args, out_, err_);
   }
