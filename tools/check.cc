@@ -1,6 +1,7 @@
 #include "tools/check.h"
 
 #include <ostream>
+#include <set>
 
 #include "tools/check_destinations.h"
 #include "tools/check_extensions.h"
@@ -18,16 +19,26 @@ namespace cmcfg_tool {
 
 Findings FindProblems(const std::string& root) {
   Findings findings;
-  const std::vector<CheckedFile> files = LoadRootFiles(root, &findings);
-  CheckRootFiles(root, files, &findings);
-  CheckExtensions(files, &findings);
-  CheckDestinations(files, &findings);
-  CheckBlockFiles(files, &findings);
-  CheckStoreKeys(files, &findings);
-  CheckLineDatabase(files, &findings);
-  CheckPstnChannels(files, &findings);
-  CheckServiceCodes(files, &findings);
-  CheckTones(files, &findings);
+  const std::vector<CheckedFile> settings = LoadSettingsFiles(root, &findings);
+  const std::vector<std::string> extensionFiles = ListExtensionFiles(root, &findings);
+  CheckRootFiles(root, extensionFiles, &findings);
+  const std::set<std::string> names = ExtensionNames(extensionFiles);
+  const std::set<std::string> fax = FaxEncodings(settings);
+  CheckDestinations(settings, names, &findings);
+  CheckBlockFiles(settings, &findings);
+  CheckStoreKeys(settings, &findings);
+  CheckLineDatabase(settings, &findings);
+  CheckTones(settings, &findings);
+  // One extension file at a time: a root of many users is never held whole.
+  for (const std::string& relative : extensionFiles) {
+    std::vector<CheckedFile> one;
+    if (!LoadFile(root, relative, &findings, &one)) continue;
+    CheckExtensions(one, fax, &findings);
+    CheckDestinations(one, names, &findings);
+    CheckStoreKeys(one, &findings);
+    CheckPstnChannels(one, &findings);
+    CheckServiceCodes(one, &findings);
+  }
   return findings;
 }
 

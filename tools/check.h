@@ -10,9 +10,10 @@
 namespace cmcfg_tool {
 
 
-// Every finding for the root `root` (ending in "/"), in file order: the
-// syntax of each file the agent reads, then what the agent would skip.
-// Reads only.
+// Every finding for the root `root` (ending in "/"): the settings files'
+// syntax, the missing, unread and shared-number files, the settings files'
+// values, then each extension file in turn (its syntax, then what the agent
+// would skip in it). Reads only, one extension file at a time.
 Findings FindProblems(const std::string& root);
 
 // `cmcfg check [--json]`: prints the findings on out (text or JSON). kOk

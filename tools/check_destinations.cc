@@ -40,12 +40,8 @@ std::vector<std::string> SplitFields(std::string_view value, size_t count) {
 
 class Checker {
  public:
-  Checker(const std::vector<CheckedFile>& files, Findings* findings) : findings_(findings) {
-    for (const CheckedFile& file : files) {
-      const std::string name = ExtensionName(file.relative);
-      if (!name.empty()) names_.insert(name);
-    }
-  }
+  Checker(const std::set<std::string>& names, Findings* findings)
+      : findings_(findings), names_(names) {}
 
   void Require(const CheckedFile& file, const cfg::Entry& entry, const std::string& name,
                const std::string& what) {
@@ -109,13 +105,20 @@ class Checker {
 
  private:
   Findings* findings_;
-  std::set<std::string> names_;
+  const std::set<std::string>& names_;
 };
 
 }  // namespace
 
-void CheckDestinations(const std::vector<CheckedFile>& files, Findings* findings) {
-  Checker checker(files, findings);
+std::set<std::string> ExtensionNames(const std::vector<std::string>& extensionFiles) {
+  std::set<std::string> names;
+  for (const std::string& relative : extensionFiles) names.insert(ExtensionName(relative));
+  return names;
+}
+
+void CheckDestinations(const std::vector<CheckedFile>& files, const std::set<std::string>& names,
+                       Findings* findings) {
+  Checker checker(names, findings);
   for (const CheckedFile& file : files) {
     if (file.relative == "telephony/linedb")
       checker.LineDatabase(file);

@@ -54,7 +54,7 @@ size_t LookupRank(const std::string& kind) {
 
 }  // namespace
 
-void CheckRootFiles(const std::string& root, const std::vector<CheckedFile>& files,
+void CheckRootFiles(const std::string& root, const std::vector<std::string>& extensionFiles,
                     Findings* findings) {
   const std::vector<std::string>& settings = SettingsFiles();
   for (const std::string& relative : settings)
@@ -67,24 +67,24 @@ void CheckRootFiles(const std::string& root, const std::vector<CheckedFile>& fil
           FileFinding(relative, false, "unread-file", "nothing reads this file"));
 
   // Each number with its files, in lookup order.
-  std::map<std::string, std::vector<const CheckedFile*>> byNumber;
-  for (const CheckedFile& file : files) {
-    if (ExtensionKind(file).empty()) continue;
-    const std::string name = fs::path(file.relative).stem().string();
-    byNumber[name].push_back(&file);
-  }
+  const auto kind = [](const std::string& relative) {
+    return fs::path(relative).parent_path().filename().string();
+  };
+  std::map<std::string, std::vector<const std::string*>> byNumber;
+  for (const std::string& relative : extensionFiles)
+    byNumber[fs::path(relative).stem().string()].push_back(&relative);
   for (auto& number : byNumber) {
-    std::vector<const CheckedFile*>& holders = number.second;
+    std::vector<const std::string*>& holders = number.second;
     if (holders.size() < 2) continue;
-    std::stable_sort(holders.begin(), holders.end(), [](const CheckedFile* a, const CheckedFile* b) {
-      return LookupRank(ExtensionKind(*a)) < LookupRank(ExtensionKind(*b));
+    std::stable_sort(holders.begin(), holders.end(), [&](const std::string* a, const std::string* b) {
+      return LookupRank(kind(*a)) < LookupRank(kind(*b));
     });
     for (size_t i = 1; i < holders.size(); ++i)
       findings->push_back(FileFinding(
-          holders[i]->relative, true, "shared-number",
-          "number " + number.first + " is also " + ExtensionKind(*holders[0]) + " " +
-              number.first + " (" + holders[0]->relative + "), which answers for it; this " +
-              ExtensionKind(*holders[i]) + " cannot be reached"));
+          *holders[i], true, "shared-number",
+          "number " + number.first + " is also " + kind(*holders[0]) + " " + number.first +
+              " (" + *holders[0] + "), which answers for it; this " + kind(*holders[i]) +
+              " cannot be reached"));
   }
 }
 

@@ -124,9 +124,14 @@ bool IsExtensionFileName(const std::string& fileName) {
   return extdb::IsValidName(fileName.substr(0, fileName.size() - suffix.size()));
 }
 
-std::vector<CheckedFile> LoadRootFiles(const std::string& root, Findings* findings) {
+std::vector<CheckedFile> LoadSettingsFiles(const std::string& root, Findings* findings) {
   std::vector<CheckedFile> files;
   for (const std::string& relative : kSettingsFiles) LoadOne(root, relative, findings, &files);
+  return files;
+}
+
+std::vector<std::string> ListExtensionFiles(const std::string& root, Findings* findings) {
+  std::vector<std::string> files;
   const std::string db = "telephony/extensiondb/";
   for (const std::string& kind : SortedEntries(root + db, true)) {
     const std::string folder = db + kind + "/";
@@ -143,10 +148,15 @@ std::vector<CheckedFile> LoadRootFiles(const std::string& root, Findings* findin
         findings->push_back(std::move(f));
         continue;
       }
-      LoadOne(root, folder + name, findings, &files);
+      files.push_back(folder + name);
     }
   }
   return files;
+}
+
+bool LoadFile(const std::string& root, const std::string& relative, Findings* findings,
+              std::vector<CheckedFile>* files) {
+  return LoadOne(root, relative, findings, files);
 }
 
 }  // namespace cmcfg_tool
