@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <memory>
 #include <unordered_map>
 #include <utility>
 #include <ostream>
@@ -9,6 +10,7 @@
 #include "cmcfg/cm_agent.h"
 #include "tools/document.h"
 #include "tools/file_compare.h"
+#include "tools/held_dump.h"
 #include "tools/session.h"
 #include "tools/shadow_root.h"
 
@@ -169,42 +171,10 @@ std::vector<std::string> DiffDumps(const ordered_json& a, const ordered_json& b)
 
 namespace {
 
-// One root's dump as diff holds it: the records of the two long arrays as
-// one-line texts (stabilised; most are equal, and a text compares fast and
-// takes a tenth of a document's memory), the rest as a document.
-struct HeldDump {
-  ordered_json rest;
-  // By array: each record's identity ("name") and text, in order.
-  std::map<std::string, std::vector<std::pair<std::string, std::string>>> records;
-};
-
-// Holds a document's records as one-line texts and keeps the rest.
-class HoldingSink : public DocumentSink {
- public:
-  explicit HoldingSink(HeldDump* held) : held_(held) {}
-  void Member(const std::string& key, Tree value) override { held_->rest[key] = std::move(value); }
-  void BeginArray(const std::string& key) override {
-    key_ = key;
-    held_->rest[key] = ordered_json::array();
-  }
-  void Record(Tree record) override {
-    held_->records[key_].emplace_back(ScalarText(record.value("name", ordered_json())),
-                                      record.dump(-1, ' ', false,
-                                                  ordered_json::error_handler_t::replace));
-  }
-  void EndArray() override {}
-
- private:
-  HeldDump* held_;
-  std::string key_;
-};
-
-HeldDump Hold(const std::string& root, const std::string& logDir, std::ostream& err) {
-  HeldDump held;
+// Loads `root` and hands its document to `held`.
+void Hold(const std::string& root, const std::string& logDir, std::ostream& err, HeldDump* held) {
   AgentSession session(root, logDir, Access::kInspect, &err);
-  HoldingSink sink(&held);
-  ProduceDocument(session.agent(), root, Detail::kFull, sink);
-  return held;
+  ProduceDocument(session.agent(), root, Detail::kFull, *held);
 }
 
 ordered_json Parsed(const std::string& array, const std::string& text) {
@@ -214,41 +184,36 @@ ordered_json Parsed(const std::string& array, const std::string& text) {
 // The lines of one array, as DiffDumps gives them for the whole documents.
 void DiffRecords(const std::string& array, const HeldDump& a, const HeldDump& b,
                  std::vector<std::string>* lines) {
-  static const std::vector<std::pair<std::string, std::string>> kNone;
-  auto inA = a.records.find(array), inB = b.records.find(array);
-  const auto& recordsA = inA == a.records.end() ? kNone : inA->second;
-  const auto& recordsB = inB == b.records.end() ? kNone : inB->second;
+  const std::vector<HeldDump::Stored>& recordsA = a.records(array);
+  const std::vector<HeldDump::Stored>& recordsB = b.records(array);
   std::unordered_map<std::string, size_t> byNameA, byNameB;
   bool unique = true;
   for (size_t i = 0; i < recordsA.size(); ++i)
-    unique = byNameA.emplace(recordsA[i].first, i).second && unique;
+    unique = byNameA.emplace(recordsA[i].name, i).second && unique;
   for (size_t i = 0; i < recordsB.size(); ++i)
-    unique = byNameB.emplace(recordsB[i].first, i).second && unique;
+    unique = byNameB.emplace(recordsB[i].name, i).second && unique;
   if (!unique) {  // compared as whole lists, as DiffDumps does
     ordered_json listA = {{array, ordered_json::array()}}, listB = listA;
-    for (const auto& record : recordsA) listA[array].push_back(ordered_json::parse(record.second));
-    for (const auto& record : recordsB) listB[array].push_back(ordered_json::parse(record.second));
+    for (const auto& record : recordsA) listA[array].push_back(ordered_json::parse(a.Text(record)));
+    for (const auto& record : recordsB) listB[array].push_back(ordered_json::parse(b.Text(record)));
     for (std::string& line : DiffDumps(listA, listB)) lines->push_back(std::move(line));
     return;
   }
   // Removed and changed records in A's order, then the added ones: the
   // lines name them as DiffDumps does.
   const ordered_json emptyList = {{array, ordered_json::array()}};
+  const auto append = [&](const ordered_json& from, const ordered_json& to) {
+    for (std::string& line : DiffDumps(from, to)) lines->push_back(std::move(line));
+  };
   for (const auto& record : recordsA) {
-    auto other = byNameB.find(record.first);
-    if (other == byNameB.end()) {
-      for (std::string& line : DiffDumps(Parsed(array, record.second), emptyList))
-        lines->push_back(std::move(line));
-    } else if (record.second != recordsB[other->second].second) {
-      for (std::string& line : DiffDumps(Parsed(array, record.second),
-                                         Parsed(array, recordsB[other->second].second)))
-        lines->push_back(std::move(line));
-    }
+    auto other = byNameB.find(record.name);
+    if (other == byNameB.end())
+      append(Parsed(array, a.Text(record)), emptyList);
+    else if (!a.Same(record, b, recordsB[other->second]))
+      append(Parsed(array, a.Text(record)), Parsed(array, b.Text(recordsB[other->second])));
   }
   for (const auto& record : recordsB)
-    if (byNameA.count(record.first) == 0)
-      for (std::string& line : DiffDumps(emptyList, Parsed(array, record.second)))
-        lines->push_back(std::move(line));
+    if (byNameA.count(record.name) == 0) append(emptyList, Parsed(array, b.Text(record)));
 }
 
 // The member `key` alone, or the document without the keys of `drop`.
@@ -275,22 +240,18 @@ int RunDiff(const Invocation& invocation, std::ostream& out, std::ostream& err) 
   HeldDump held[2];
   for (int i = 0; i < 2; ++i) {
     // One agent at a time: each load points ORBA_PATH at its own root.
-    if (files.onlyExtensions) {
-      const ShadowRoot shadow(roots[i], files.extensions);
-      if (!shadow.path().empty()) {
-        held[i] = Hold(shadow.path(), invocation.logDir, err);
-        continue;
-      }
-    }
-    held[i] = Hold(roots[i], invocation.logDir, err);
+    std::unique_ptr<ShadowRoot> shadow;
+    if (files.onlyExtensions) shadow = std::make_unique<ShadowRoot>(roots[i], files.extensions);
+    const bool shadowed = shadow != nullptr && !shadow->path().empty();
+    Hold(shadowed ? shadow->path() : roots[i], invocation.logDir, err, &held[i]);
   }
   // In the dump's order: the table, its records, the attendants, the rest.
   std::vector<std::string> lines =
-      DiffDumps(Only(held[0].rest, "extension_table"), Only(held[1].rest, "extension_table"));
+      DiffDumps(Only(held[0].rest(), "extension_table"), Only(held[1].rest(), "extension_table"));
   DiffRecords("extensions", held[0], held[1], &lines);
   DiffRecords("attendants", held[0], held[1], &lines);
   const auto drop = {"extension_table", "extensions", "attendants"};
-  for (std::string& line : DiffDumps(Without(held[0].rest, drop), Without(held[1].rest, drop)))
+  for (std::string& line : DiffDumps(Without(held[0].rest(), drop), Without(held[1].rest(), drop)))
     lines.push_back(std::move(line));
   for (const std::string& line : lines) out << line << "\n";
   return lines.empty() ? kOk : kFindings;

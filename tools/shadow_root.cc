@@ -2,6 +2,8 @@
 
 #include <filesystem>
 
+#include "platform/extension/extension_rep.h"
+
 namespace cmcfg_tool {
 namespace {
 
@@ -53,7 +55,7 @@ ShadowRoot::ShadowRoot(const std::string& root, const std::vector<std::string>& 
       }
       fs::create_directories(placed, error);
       for (const std::string& name : names)
-        if (fs::exists(db->path() / (name + ".cfg")) &&
+        if (extdb::IsValidName(name) && fs::exists(db->path() / (name + ".cfg")) &&
             !Place(db->path() / (name + ".cfg"), placed / (name + ".cfg"), copies))
           return;
     }

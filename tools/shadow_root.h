@@ -13,7 +13,8 @@ namespace cmcfg_tool {
 // where the file system allows, else copies; always copies with `copies`,
 // for a root that will be written) except the extension
 // database, of which it holds every file outside the kind folders and,
-// in each kind folder, NAME.cfg for each of `names`. Loading it reads those
+// in each kind folder, NAME.cfg for each of `names` the database accepts
+// as a name. Loading it reads those
 // files, the settings and the line database, not the whole database. Gone
 // with the object; path() is "" when it could not be made.
 class ShadowRoot {
