@@ -29,8 +29,7 @@ void AddRootOptions(CLI::App* app, Invocation* invocation) {
 
 void AddVerbOptions(CLI::App* sub, const Verb& verb, Invocation* invocation) {
   if (verb.maxOperands > 0)
-    sub->add_option("operands", invocation->operands, verb.operands)
-        ->expected(0, static_cast<int>(verb.maxOperands));
+    sub->add_option("OPERANDS", invocation->operands, verb.operands)->expected(-1);
   AddRootOptions(sub, invocation);
   if (verb.options & kJsonOption) sub->add_flag("--json", invocation->json, "Print JSON");
   if (verb.options & kDryRunOption)
@@ -117,7 +116,7 @@ int Run(const CommandLine& line, std::ostream& out, std::ostream& err) {
   for (const auto& verb : line.verbs) {
     if (!*verb.first) continue;
     const size_t given = line.invocation.operands.size();
-    if (given < verb.second->minOperands) {
+    if (given < verb.second->minOperands || given > verb.second->maxOperands) {
       err << "cmcfg " << verb.second->name << ": expected " << verb.second->operands
           << "\nRun 'cmcfg " << verb.second->name << " --help' for more.\n";
       return kUsage;
