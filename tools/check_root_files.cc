@@ -63,8 +63,7 @@ void CheckRootFiles(const std::string& root, const std::vector<std::string>& ext
                                       "the file is missing; the agent uses its defaults"));
   for (const std::string& relative : ConfigurationFiles(root))
     if (std::find(settings.begin(), settings.end(), relative) == settings.end())
-      findings->push_back(
-          FileFinding(relative, false, "unread-file", "nothing reads this file"));
+      findings->push_back(FileFinding(relative, false, "unread-file", "nothing reads this file"));
 
   // Each number with its files, in lookup order.
   const auto kind = [](const std::string& relative) {
@@ -76,15 +75,16 @@ void CheckRootFiles(const std::string& root, const std::vector<std::string>& ext
   for (auto& number : byNumber) {
     std::vector<const std::string*>& holders = number.second;
     if (holders.size() < 2) continue;
-    std::stable_sort(holders.begin(), holders.end(), [&](const std::string* a, const std::string* b) {
-      return LookupRank(kind(*a)) < LookupRank(kind(*b));
-    });
+    std::stable_sort(holders.begin(), holders.end(),
+                     [&](const std::string* a, const std::string* b) {
+                       return LookupRank(kind(*a)) < LookupRank(kind(*b));
+                     });
     for (size_t i = 1; i < holders.size(); ++i)
-      findings->push_back(FileFinding(
-          *holders[i], true, "shared-number",
-          "number " + number.first + " is also " + kind(*holders[0]) + " " + number.first +
-              " (" + *holders[0] + "), which answers for it; this " + kind(*holders[i]) +
-              " cannot be reached"));
+      findings->push_back(FileFinding(*holders[i], true, "shared-number",
+                                      "number " + number.first + " is also " + kind(*holders[0]) +
+                                          " " + number.first + " (" + *holders[0] +
+                                          "), which answers for it; this " + kind(*holders[i]) +
+                                          " cannot be reached"));
   }
 }
 

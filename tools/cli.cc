@@ -93,7 +93,8 @@ void Suggest(const CommandLine& line, int argc, const char* const* argv, std::os
       word = word.substr(0, word.find('='));
       if (std::find(options.begin(), options.end(), word) != options.end()) {
         if ((word == "--root" || word == "--log-dir" || word == "--call-type" ||
-             word == "--edited") && std::string(argv[i]).find('=') == std::string::npos)
+             word == "--edited") &&
+            std::string(argv[i]).find('=') == std::string::npos)
           ++i;  // its value
         continue;
       }

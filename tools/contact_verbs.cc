@@ -11,7 +11,9 @@
 #include "platform/extension/extension_rep.h"
 #include "platform/extension/value_rules.h"
 #include "tools/format.h"
+#include "tools/model.h"
 #include "tools/session.h"
+#include "tools/text_render.h"
 #include "tools/unified_diff.h"
 #include "tools/write_back.h"
 #include "tools/write_target.h"
@@ -20,17 +22,22 @@ namespace cmcfg_tool {
 namespace {
 
 CallType ContactCallType(const std::string& text) {
-  return text == "sip" || text == "SIP" ? kCallSip
+  return text == "sip" || text == "SIP"     ? kCallSip
          : text == "pstn" || text == "PSTN" ? kCallPstn
                                             : kCallNumber;
 }
 
-// The contacts of the book as "NAME (TYPE, id N)" lines.
+// The contacts of the book (name, call type, id), rendered as every record is.
 void PrintBook(const std::string& heading, const ExtensionData& extension, std::ostream& out) {
-  out << heading << ": " << extension.addressBook.size() << "\n";
-  for (const AddressBookEntry& entry : extension.addressBook)
-    out << "  " << entry.first.name << " (" << CallTypeName(entry.first.callType) << ", id "
-        << entry.first.id << ")\n";
+  Tree shown = Tree::object();
+  Tree& book = shown[heading] = Tree::array();
+  for (const AddressBookEntry& entry : extension.addressBook) {
+    Tree& contact = book.emplace_back(Tree::object());
+    contact["name"] = entry.first.name;
+    contact["call_type"] = CallTypeName(entry.first.callType);
+    contact["id"] = entry.first.id;
+  }
+  RenderText(shown, out);
 }
 
 // The highest contact id of the file plus one.
@@ -107,7 +114,10 @@ int RunContact(const Invocation& invocation, std::ostream& out, std::ostream& er
   const CallType type = ContactCallType(invocation.callType);
   unsigned long id = 0;
   if (!edited && mode != "add" && !ParseId(words[2], &id, err)) return kUsage;
-  const std::string name = edited ? "" : mode == "add" ? words[2] : mode == "change" ? words[3] : "";
+  const std::string name = edited             ? ""
+                           : mode == "add"    ? words[2]
+                           : mode == "change" ? words[3]
+                                              : "";
   if (!edited && mode != "erase") {
     const cfg::Status valid = extdb::CheckContactName(type, name);
     if (!valid.ok()) {
@@ -178,8 +188,7 @@ int RunPort(const Invocation& invocation, std::ostream& out, std::ostream& err) 
   std::vector<std::pair<const ExtensionData*, std::string>> before;
   for (const ExtensionData* e : agent.extensionBase)
     if (e != nullptr) before.emplace_back(e, LocalEndpoint(e->line));
-  if (!invocation.edited.empty() &&
-      !PutInPlace(invocation.edited, target.path() + relative, err))
+  if (!invocation.edited.empty() && !PutInPlace(invocation.edited, target.path() + relative, err))
     return kFindings;
   bool done;
   {

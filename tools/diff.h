@@ -2,10 +2,9 @@
 #define CMCFG_TOOLS_DIFF_H_
 
 #include <iosfwd>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
-
-#include <nlohmann/json.hpp>
 
 #include "tools/verb.h"
 

@@ -28,9 +28,7 @@ bool SameBytes(const fs::path& a, const fs::path& b) {
   while (inA && inB) {
     inA.read(bufA, sizeof bufA);
     inB.read(bufB, sizeof bufB);
-    if (inA.gcount() != inB.gcount() ||
-        !std::equal(bufA, bufA + inA.gcount(), bufB))
-      return false;
+    if (inA.gcount() != inB.gcount() || !std::equal(bufA, bufA + inA.gcount(), bufB)) return false;
   }
   return inA.eof() && inB.eof();
 }

@@ -8,8 +8,8 @@ namespace cmcfg_tool {
 
 // What differs between the files below two roots' telephony/ folders.
 struct FileComparison {
-  bool same = false;            // the same names with the same bytes
-  bool onlyExtensions = false;  // the same names; only extension files differ
+  bool same = false;                    // the same names with the same bytes
+  bool onlyExtensions = false;          // the same names; only extension files differ
   std::vector<std::string> extensions;  // then: the names of those extensions
 };
 

@@ -7,8 +7,8 @@ namespace cmcfg_tool {
 
 HeldDump::HeldDump() {
   if (!dir_.path().empty())
-    file_.open(dir_.path() + "records", std::ios::in | std::ios::out | std::ios::trunc |
-                                            std::ios::binary);
+    file_.open(dir_.path() + "records",
+               std::ios::in | std::ios::out | std::ios::trunc | std::ios::binary);
 }
 
 void HeldDump::Member(const std::string& key, Tree value) { rest_[key] = std::move(value); }
@@ -45,8 +45,7 @@ std::string HeldDump::Text(const Stored& record) const {
   return text;
 }
 
-bool HeldDump::Same(const Stored& mine, const HeldDump& other,
-                    const Stored& theirs) const {
+bool HeldDump::Same(const Stored& mine, const HeldDump& other, const Stored& theirs) const {
   if (mine.length != theirs.length || mine.hash != theirs.hash) return false;
   return Text(mine) == other.Text(theirs);
 }

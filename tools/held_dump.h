@@ -43,8 +43,7 @@ class HeldDump : public DocumentSink {
   // The text of a record of this dump.
   std::string Text(const Stored& record) const;
   // True when the two records hold the same text.
-  bool Same(const Stored& mine, const HeldDump& other,
-            const Stored& theirs) const;
+  bool Same(const Stored& mine, const HeldDump& other, const Stored& theirs) const;
 
  private:
   ScratchDir dir_;

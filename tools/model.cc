@@ -311,8 +311,8 @@ Tree AttendantTree(const Attendant& a, bool systemAttendant) {
   console["welcome_message"] = a.welcomeMessage;
   console["night_destination"] = a.nightDestination;
   console["tos"] = Tos(a.tos);
-  j["media"] = Media(a.voiceCodecs, a.faxCodecs, a.faxTransparentCodecs, a.modemCodecs,
-                     a.codecOption);
+  j["media"] =
+      Media(a.voiceCodecs, a.faxCodecs, a.faxTransparentCodecs, a.modemCodecs, a.codecOption);
   return j;
 }
 

@@ -6,9 +6,8 @@
 // they are walked (tools/text_render.h), and diff compares them. A key's
 // place in its tree is the place every output shows it.
 
-#include <string>
-
 #include <nlohmann/json.hpp>
+#include <string>
 
 #include "cmcfg/sup_service_records.h"
 

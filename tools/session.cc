@@ -76,7 +76,7 @@ AgentSession::AgentSession(const std::string& root, const std::string& logDir, A
                            std::ostream* progressTo)
     : readOnly_(access == Access::kInspect ? std::make_unique<cfg::ReadOnlyScope>() : nullptr),
       scratchLog_(logDir.empty() && !EnvSet("CMCFG_LOG_DIR") ? std::make_unique<ScratchDir>()
-                                                              : nullptr),
+                                                             : nullptr),
       root_("ORBA_PATH", root),
       logDir_("CMCFG_LOG_DIR", scratchLog_ ? scratchLog_->path() : logDir),
       progress_(progressTo ? LoadProgressOnTerminal(root, *progressTo) : nullptr) {

@@ -24,7 +24,7 @@ bool PlaceTree(const fs::path& from, const fs::path& to, bool copies) {
   for (fs::directory_iterator it(from, error), end; !error && it != end; it.increment(error)) {
     const fs::path target = to / it->path().filename();
     const bool ok = it->is_directory() ? PlaceTree(it->path(), target, copies)
-                                        : Place(it->path(), target, copies);
+                                       : Place(it->path(), target, copies);
     if (!ok) return false;
   }
   return !error;
@@ -42,7 +42,7 @@ ShadowRoot::ShadowRoot(const std::string& root, const std::vector<std::string>& 
     const fs::path target = to / it->path().filename();
     if (it->path().filename() != "extensiondb") {
       if (!(it->is_directory() ? PlaceTree(it->path(), target, copies)
-                                : Place(it->path(), target, copies)))
+                               : Place(it->path(), target, copies)))
         return;
       continue;
     }

@@ -19,8 +19,7 @@ namespace cmcfg_tool {
 // with the object; path() is "" when it could not be made.
 class ShadowRoot {
  public:
-  ShadowRoot(const std::string& root, const std::vector<std::string>& names,
-             bool copies = false);
+  ShadowRoot(const std::string& root, const std::vector<std::string>& names, bool copies = false);
   ShadowRoot(const ShadowRoot&) = delete;
   ShadowRoot& operator=(const ShadowRoot&) = delete;
   // Ends in "/" unless empty.

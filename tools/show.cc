@@ -13,8 +13,8 @@ namespace cmcfg_tool {
 namespace {
 
 std::string Counts(const Tree& media) {
-  return CodecCounts(media["voice"].size(), media["fax_relay"].size(),
-                     media["fax_in_band"].size(), media["modem"].size());
+  return CodecCounts(media["voice"].size(), media["fax_relay"].size(), media["fax_in_band"].size(),
+                     media["modem"].size());
 }
 
 // One record of the summary on one line.

@@ -92,8 +92,8 @@ std::string UnifiedDiff(const std::string& name, const std::string& before,
     }
     out += "@@ -" + Range(edits[start].a, countA) + " +" + Range(edits[start].b, countB) + " @@\n";
     for (size_t e = start; e < end; ++e)
-      out += std::string(1, edits[e].op) +
-             (edits[e].op == '+' ? b[edits[e].b] : a[edits[e].a]) + "\n";
+      out +=
+          std::string(1, edits[e].op) + (edits[e].op == '+' ? b[edits[e].b] : a[edits[e].a]) + "\n";
     k = end;
   }
   return out;

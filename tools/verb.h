@@ -11,10 +11,10 @@ namespace cmcfg_tool {
 
 // Everything given on one command line; each verb reads what it takes.
 struct Invocation {
-  std::string root;    // --root ("" : $ORBA_PATH, else /etc/orba-conf/)
-  std::string logDir;  // --log-dir ("" : no log kept, unless $CMCFG_LOG_DIR)
-  bool json = false;   // --json
-  bool dryRun = false;  // --dry-run: print what would be written, write nothing
+  std::string root;                   // --root ("" : $ORBA_PATH, else /etc/orba-conf/)
+  std::string logDir;                 // --log-dir ("" : no log kept, unless $CMCFG_LOG_DIR)
+  bool json = false;                  // --json
+  bool dryRun = false;                // --dry-run: print what would be written, write nothing
   std::vector<std::string> operands;  // the words after the verb, as typed
   bool replace = false;               // forward set --replace
   bool outgoing = false;              // block/unblock --outgoing

@@ -30,7 +30,9 @@ int Refused(const cfg::Status& status, std::ostream& err) {
 }
 
 // A flag of a tree, stored as a number or a boolean.
-bool On(const Tree& flag) { return flag.is_boolean() ? flag.get<bool>() : flag.get<int64_t>() != 0; }
+bool On(const Tree& flag) {
+  return flag.is_boolean() ? flag.get<bool>() : flag.get<int64_t>() != 0;
+}
 
 // "before" and "after" of one tree, as text.
 void PrintChange(const std::string& heading, const Tree& before, const Tree& after,
@@ -138,38 +140,40 @@ int RunForward(const Invocation& invocation, std::ostream& out, std::ostream& er
     const cfg::Status valid = extdb::CheckPhoneNumber(words[2]);
     if (!valid.ok()) return Refused(valid, err);
   }
-  return ChangeExtension(invocation, out, err, [&](CMAgent& agent, ExtensionData& extension,
-                                                   const std::string& file, std::ostream& report) -> int {
-    const Tree before = AnyCallerForward(extension.addressBook);
-    if (before.is_null()) {
-      err << "cmcfg: " << extension.name << " has no any-caller contact (\"*\"); add one with: "
-          << "cmcfg contact " << extension.name << " add '*'\n";
-      return kFindings;
-    }
-    const bool active = On(before["active"]);
-    if ((action == "on" && active) || (action == "off" && !active)) {
-      report << "forward unconditional of " << extension.name << " is already " << action
-             << "; nothing to change\n";
-      return kOk;
-    }
-    bool done;
-    {
-      BaseLock lock(agent);
-      if (action == "set" || action == "clear")
-        done = agent.UpdateForwardService(&extension, action == "set" ? words[2] : "",
-                                          action == "set", invocation.replace);
-      else
-        done = agent.SwitchForwardService(&extension);
-    }
-    if (!done) {
-      err << "cmcfg: forward " << extension.name << " " << action << ": "
-          << ForwardFailure(AnyCallerForward(StoredBook(agent, extension)), action) << "\n";
-      return kFindings;
-    }
-    const Tree after = AnyCallerForward(extension.addressBook);
-    PrintChange("forward unconditional of " + extension.name, before, after, report);
-    return Verified(after, AnyCallerForward(StoredBook(agent, extension)), file, err);
-  });
+  return ChangeExtension(
+      invocation, out, err,
+      [&](CMAgent& agent, ExtensionData& extension, const std::string& file,
+          std::ostream& report) -> int {
+        const Tree before = AnyCallerForward(extension.addressBook);
+        if (before.is_null()) {
+          err << "cmcfg: " << extension.name << " has no any-caller contact (\"*\"); add one with: "
+              << "cmcfg contact " << extension.name << " add '*'\n";
+          return kFindings;
+        }
+        const bool active = On(before["active"]);
+        if ((action == "on" && active) || (action == "off" && !active)) {
+          report << "forward unconditional of " << extension.name << " is already " << action
+                 << "; nothing to change\n";
+          return kOk;
+        }
+        bool done;
+        {
+          BaseLock lock(agent);
+          if (action == "set" || action == "clear")
+            done = agent.UpdateForwardService(&extension, action == "set" ? words[2] : "",
+                                              action == "set", invocation.replace);
+          else
+            done = agent.SwitchForwardService(&extension);
+        }
+        if (!done) {
+          err << "cmcfg: forward " << extension.name << " " << action << ": "
+              << ForwardFailure(AnyCallerForward(StoredBook(agent, extension)), action) << "\n";
+          return kFindings;
+        }
+        const Tree after = AnyCallerForward(extension.addressBook);
+        PrintChange("forward unconditional of " + extension.name, before, after, report);
+        return Verified(after, AnyCallerForward(StoredBook(agent, extension)), file, err);
+      });
 }
 
 int RunBlock(const Invocation& invocation, std::ostream& out, std::ostream& err) {
@@ -177,30 +181,32 @@ int RunBlock(const Invocation& invocation, std::ostream& out, std::ostream& err)
   const CallType type = CallTypeOf(invocation);
   const cfg::Status valid = extdb::CheckContactName(type, number);
   if (!valid.ok()) return Refused(valid, err);
-  return ChangeExtension(invocation, out, err, [&](CMAgent& agent, ExtensionData& extension,
-                                                   const std::string& file, std::ostream& report) -> int {
-    const bool outgoing = invocation.outgoing;
-    const Tree before = BlockingOf(extension.addressBook, number, type, outgoing);
-    int result;
-    {
-      BaseLock lock(agent);
-      result = agent.BlockContact(&extension, number, type, !outgoing);
-    }
-    if (result == 1) {
-      report << number << " is already blocked; nothing to change\n";
-      return kOk;
-    }
-    if (result != 0) {
-      err << "cmcfg: could not block " << number << " in " << file << " (see --log-dir)\n";
-      return kFindings;
-    }
-    const Tree after = BlockingOf(extension.addressBook, number, type, outgoing);
-    PrintChange(std::string(outgoing ? "outgoing" : "incoming") + " blocking of " + number +
-                    " (" + CallTypeName(type) + ") for " + extension.name,
-                before, after, report);
-    return Verified(after, BlockingOf(StoredBook(agent, extension), number, type, outgoing), file,
-                    err);
-  });
+  return ChangeExtension(
+      invocation, out, err,
+      [&](CMAgent& agent, ExtensionData& extension, const std::string& file,
+          std::ostream& report) -> int {
+        const bool outgoing = invocation.outgoing;
+        const Tree before = BlockingOf(extension.addressBook, number, type, outgoing);
+        int result;
+        {
+          BaseLock lock(agent);
+          result = agent.BlockContact(&extension, number, type, !outgoing);
+        }
+        if (result == 1) {
+          report << number << " is already blocked; nothing to change\n";
+          return kOk;
+        }
+        if (result != 0) {
+          err << "cmcfg: could not block " << number << " in " << file << " (see --log-dir)\n";
+          return kFindings;
+        }
+        const Tree after = BlockingOf(extension.addressBook, number, type, outgoing);
+        PrintChange(std::string(outgoing ? "outgoing" : "incoming") + " blocking of " + number +
+                        " (" + CallTypeName(type) + ") for " + extension.name,
+                    before, after, report);
+        return Verified(after, BlockingOf(StoredBook(agent, extension), number, type, outgoing),
+                        file, err);
+      });
 }
 
 int RunUnblock(const Invocation& invocation, std::ostream& out, std::ostream& err) {
@@ -208,39 +214,41 @@ int RunUnblock(const Invocation& invocation, std::ostream& out, std::ostream& er
   const CallType type = CallTypeOf(invocation);
   const cfg::Status valid = extdb::CheckContactName(type, number);
   if (!valid.ok()) return Refused(valid, err);
-  return ChangeExtension(invocation, out, err, [&](CMAgent& agent, ExtensionData& extension,
-                                                   const std::string& file, std::ostream& report) -> int {
-    const bool outgoing = invocation.outgoing;
-    const Tree before = BlockingOf(extension.addressBook, number, type, outgoing);
-    if (!before.is_object() || !On(before["active"])) {
-      report << number << " is not blocked; nothing to change\n";
-      return kOk;
-    }
-    const unsigned long id = before["contact_id"].get<unsigned long>();
-    const std::string section =
-        extdb::ServiceSection(id, outgoing ? "outgoing_blocking" : "incoming_blocking");
-    // As the web configuration saves it: the flag alone, under the lock.
-    const cfg::Status saved = cfg::UpdateDocument(file, [&](cfg::Document& doc) {
-      cfg::Section* blocking = doc.Find(section);
-      return blocking != nullptr && doc.Set(*blocking, "active", "0");
-    });
-    if (!saved.ok()) {
-      err << "cmcfg: could not unblock " << number << " in " << file << ": " << saved.ToString()
-          << "\n";
-      return kFindings;
-    }
-    {
-      BaseLock lock(agent);
-      agent.UpdateSupServices(&extension, static_cast<int>(id),
-                              outgoing ? UpdateTypeCodes::kUpdateOutgoingBlocking
-                                       : UpdateTypeCodes::kUpdateIncomingBlocking);
-    }
-    const Tree after = BlockingOf(extension.addressBook, number, type, outgoing);
-    PrintChange(std::string(outgoing ? "outgoing" : "incoming") + " blocking of " + number +
-                    " for " + extension.name,
-                before, after, report);
-    return On(after["active"]) ? Verified(after, before, file, err) : kOk;
-  });
+  return ChangeExtension(
+      invocation, out, err,
+      [&](CMAgent& agent, ExtensionData& extension, const std::string& file,
+          std::ostream& report) -> int {
+        const bool outgoing = invocation.outgoing;
+        const Tree before = BlockingOf(extension.addressBook, number, type, outgoing);
+        if (!before.is_object() || !On(before["active"])) {
+          report << number << " is not blocked; nothing to change\n";
+          return kOk;
+        }
+        const unsigned long id = before["contact_id"].get<unsigned long>();
+        const std::string section =
+            extdb::ServiceSection(id, outgoing ? "outgoing_blocking" : "incoming_blocking");
+        // As the web configuration saves it: the flag alone, under the lock.
+        const cfg::Status saved = cfg::UpdateDocument(file, [&](cfg::Document& doc) {
+          cfg::Section* blocking = doc.Find(section);
+          return blocking != nullptr && doc.Set(*blocking, "active", "0");
+        });
+        if (!saved.ok()) {
+          err << "cmcfg: could not unblock " << number << " in " << file << ": " << saved.ToString()
+              << "\n";
+          return kFindings;
+        }
+        {
+          BaseLock lock(agent);
+          agent.UpdateSupServices(&extension, static_cast<int>(id),
+                                  outgoing ? UpdateTypeCodes::kUpdateOutgoingBlocking
+                                           : UpdateTypeCodes::kUpdateIncomingBlocking);
+        }
+        const Tree after = BlockingOf(extension.addressBook, number, type, outgoing);
+        PrintChange(std::string(outgoing ? "outgoing" : "incoming") + " blocking of " + number +
+                        " for " + extension.name,
+                    before, after, report);
+        return On(after["active"]) ? Verified(after, before, file, err) : kOk;
+      });
 }
 
 }  // namespace cmcfg_tool

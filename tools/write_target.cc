@@ -64,8 +64,8 @@ bool PutInPlace(const std::string& source, const std::string& target, std::ostre
                            : cfg::Status::TimedOut("another process holds the lock of " + target);
   }
   if (status.ok()) return true;
-  err << "cmcfg: cannot put " << source << " in place of " << target << ": "
-      << status.ToString() << "\n";
+  err << "cmcfg: cannot put " << source << " in place of " << target << ": " << status.ToString()
+      << "\n";
   return false;
 }
 

@@ -1,4 +1,6 @@
 // How the command line behaves, whatever the verb.
+#include "tools/cli.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -7,7 +9,6 @@
 
 #include "tests/support/temp_root.h"
 #include "tests/tools/tool_test_util.h"
-#include "tools/cli.h"
 
 namespace {
 
@@ -27,7 +28,8 @@ class CliTest : public ::testing::Test {
     std::filesystem::create_directories(empty_);
   }
   int Run(std::vector<std::string> args) {
-    for (std::string& arg : args) arg = arg == "ROOT" ? root_.path() : arg == "EMPTY" ? empty_ : arg;
+    for (std::string& arg : args)
+      arg = arg == "ROOT" ? root_.path() : arg == "EMPTY" ? empty_ : arg;
     return RunCmcfg(args, out_, err_);
   }
 
@@ -66,10 +68,15 @@ TEST_F(CliTest, StatusesAndMessages) {
 }
 
 TEST_F(CliTest, EveryVerbRefusesAFolderThatIsNotARoot) {
-  const std::vector<std::vector<std::string>> verbs = {
-      {"show"}, {"ext", "109"}, {"dump"}, {"check"}, {"forward", "109", "on"},
-      {"block", "109", "123"}, {"unblock", "109", "123"}, {"contact", "109", "erase", "3"},
-      {"port", "1", "1"}};
+  const std::vector<std::vector<std::string>> verbs = {{"show"},
+                                                       {"ext", "109"},
+                                                       {"dump"},
+                                                       {"check"},
+                                                       {"forward", "109", "on"},
+                                                       {"block", "109", "123"},
+                                                       {"unblock", "109", "123"},
+                                                       {"contact", "109", "erase", "3"},
+                                                       {"port", "1", "1"}};
   for (std::vector<std::string> args : verbs) {
     args.insert(args.end(), {"--root", "EMPTY"});
     EXPECT_EQ(Run(args), 2) << args[0];

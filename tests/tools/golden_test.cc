@@ -41,8 +41,7 @@ void PlantMistakes(const testing_support::TempRoot& root) {
   Edit(root, user + "102.cfg", "registration_enabled = 1", "registration_enabled = 7");
   Edit(root, user + "102.cfg", "register_expiry = 1800", "register_expiry = -5");
   Edit(root, user + "102.cfg", "user_name = 102", "user_name = 102\nuser_name = 1020");
-  Edit(root, user + "101.cfg", "1,1,sip:alice@mobile.example",
-       "1,1,sip:alice@@mobile example:99x");
+  Edit(root, user + "101.cfg", "1,1,sip:alice@mobile.example", "1,1,sip:alice@@mobile example:99x");
   std::rename(root.Path("telephony/general.cfg").c_str(),
               root.Path("telephony/general.cfg.old").c_str());
 }

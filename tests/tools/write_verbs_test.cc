@@ -35,11 +35,15 @@ class WriteVerbsTest : public ::testing::Test {
 // writes exactly what the dry run showed would change.
 TEST_F(WriteVerbsTest, DryRunShowsWhatTheVerbWrites) {
   const std::vector<std::vector<std::string>> verbs = {
-      {"forward", "109", "set", "0612345678"}, {"forward", "109", "toggle"},
-      {"forward", "109", "off"},               {"block", "109", "0900123", "--outgoing"},
+      {"forward", "109", "set", "0612345678"},
+      {"forward", "109", "toggle"},
+      {"forward", "109", "off"},
+      {"block", "109", "0900123", "--outgoing"},
       {"unblock", "109", "0900*", "--call-type", "pstn"},
-      {"contact", "109", "add", "0800123"},    {"contact", "109", "change", "3", "102"},
-      {"contact", "109", "erase", "4"},        {"forward", "109", "clear"}};
+      {"contact", "109", "add", "0800123"},
+      {"contact", "109", "change", "3", "102"},
+      {"contact", "109", "erase", "4"},
+      {"forward", "109", "clear"}};
   for (std::vector<std::string> verb : verbs) {
     SCOPED_TRACE(testing::PrintToString(verb));
     const std::string before = root_.Read(kFile);

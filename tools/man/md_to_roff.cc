@@ -59,7 +59,9 @@ int main(int argc, char** argv) {
       out << (code ? ".fi\n.RE\n" : ".RS 4\n.nf\n");
       code = !code;
     } else if (code) {
-      out << (line.empty() ? "" : line[0] == '.' ? "\\&" : "")
+      out << (line.empty()     ? ""
+              : line[0] == '.' ? "\\&"
+                               : "")
           << std::regex_replace(line, std::regex(R"(\\)"), R"(\e)") << "\n";
     } else if (std::regex_match(line, match, title)) {
       std::string name = match[1];
