@@ -23,7 +23,8 @@ namespace cfg {
 template <typename Owner>
 struct Field {
   using Member =
-      std::variant<int32_t Owner::*, uint32_t Owner::*, uint16_t Owner::*, std::string Owner::*,
+      std::variant<int32_t Owner::*, uint32_t Owner::*, uint16_t Owner::*, uint8_t Owner::*,
+                   std::string Owner::*,
                    std::list<std::string> Owner::*, std::vector<unsigned long> Owner::*>;
   const char* key;
   Member member;

@@ -83,6 +83,7 @@ KeyRule RuleFor(std::string key) {
     if constexpr (std::is_same_v<T, int32_t>) rule.expected = "a number";
     if constexpr (std::is_same_v<T, uint32_t>) rule.expected = "a number from 0 to 4294967295";
     if constexpr (std::is_same_v<T, uint16_t>) rule.expected = "a number from 0 to 65535";
+    if constexpr (std::is_same_v<T, uint8_t>) rule.expected = "a number from 0 to 255";
     if constexpr (std::is_same_v<T, std::vector<unsigned long>>)
       rule.expected = "a list of numbers";
     return rule;

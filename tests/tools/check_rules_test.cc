@@ -43,20 +43,6 @@ std::vector<std::string> Messages(const std::vector<ChannelProblem>& problems) {
   return messages;
 }
 
-TEST(FieldProbeTest, LearnsKeysAndTypesFromTheBlockItself) {
-  const cmcfg_tool::FieldProbe gateway = cmcfg_tool::FieldProbe::Of<GatewayBlock>();
-  EXPECT_THAT(gateway.keys(), ElementsAre("address", "name", "type"));
-  EXPECT_TRUE(gateway.Takes("type", "2"));
-  EXPECT_TRUE(gateway.Takes("type", " 0x2 "));
-  EXPECT_TRUE(gateway.Takes("type", "7"));  // equal to a probe value, still taken
-  EXPECT_FALSE(gateway.Takes("type", "two"));
-  EXPECT_FALSE(gateway.Takes("type", ""));
-  EXPECT_TRUE(gateway.Takes("name", "two"));
-  const cmcfg_tool::FieldProbe ring = cmcfg_tool::FieldProbe::Of<RingPatternBlock>();
-  EXPECT_TRUE(ring.Takes("cadence", "500,4000"));
-  EXPECT_FALSE(ring.Takes("cadence", "500,long"));
-}
-
 TEST_F(CheckRulesTest, BlockFilesReportUnknownKeysBadValuesAndSectionsThatAreNoId) {
   root_.Write("telephony/gateways.cfg",
               "section 1\n{\nname = main\ntype = local\nadress = 10.0.0.1\n}\n"
@@ -73,7 +59,7 @@ TEST_F(CheckRulesTest, BlockFilesReportUnknownKeysBadValuesAndSectionsThatAreNoI
                           "it is ignored",
                           "section main", "        ^",
                           "telephony/ringpatterns.cfg:4: warning: value \"500,4000s\" of cadence "
-                          "is not a number; the default is kept",
+                          "is not a list of numbers; the default is kept",
                           "cadence = 500,4000s", "          ^"));
 }
 
