@@ -83,7 +83,7 @@ void ProduceDocument(const CMAgent& agent, const std::string& root, Detail detai
   sink.Member("extension_table", std::move(table));
   sink.BeginArray("extensions");
   for (const ExtensionData* e : agent.extensionBase)
-    if (e != nullptr) sink.Record(shape(ExtensionTree(*e)));
+    if (e != nullptr) sink.Record(ExtensionTree(*e, detail));
   sink.EndArray();
   sink.BeginArray("attendants");
   for (const Attendant* a : agent.attendants)

@@ -16,9 +16,6 @@ class CMAgent;
 
 namespace cmcfg_tool {
 
-// How much of each extension and attendant the document holds.
-enum class Detail { kFull, kSummary };
-
 // Receives the document's members in order. The two long arrays arrive one
 // record at a time, so a receiver that writes them out never holds more
 // than one record.

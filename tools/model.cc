@@ -248,7 +248,9 @@ std::string RootRelative(const std::string& path, const std::string& root) {
   return path.substr(root.size());
 }
 
-Tree ExtensionTree(const ExtensionData& e) {
+Tree ExtensionTree(const ExtensionData& e, Detail detail) {
+  // A summary skips the lists that make most of a record's cost.
+  const bool full = detail == Detail::kFull;
   Tree j = Tree::object();
   j["name"] = e.name;
   j["type"] = TypeName(e.type);
@@ -260,28 +262,31 @@ Tree ExtensionTree(const ExtensionData& e) {
   personal["password_policy"] = e.password.setting;
   personal["user_class"] = e.userClass;
   personal["language"] = e.language;
-  j["services"] = Services(e);
+  if (full) j["services"] = Services(e);
   j["line"] = Line(e.line);
   j["media"] = Media(e.line.voiceCodecs, e.line.fax.faxCodecs, e.line.fax.faxTransparentCodecs,
                      e.line.modem.modemCodecs, e.line.codecOption);
-  Tree& functional = j["functional_table"] = Tree::array();
-  for (const FunctionalEntry& entry : e.functionalTable) {
-    Tree& one = functional.emplace_back(Tree::object());
-    one["keys"] = KeysText(entry.first);
-    one["service"] = HexText(static_cast<uint32_t>(entry.second));
+  if (full) {
+    Tree& functional = j["functional_table"] = Tree::array();
+    for (const FunctionalEntry& entry : e.functionalTable) {
+      Tree& one = functional.emplace_back(Tree::object());
+      one["keys"] = KeysText(entry.first);
+      one["service"] = HexText(static_cast<uint32_t>(entry.second));
+    }
+    Tree& speedDial = j["speed_dial"] = Tree::array();
+    for (const SpeedDialEntry& entry : e.speedDial) {
+      Tree& one = speedDial.emplace_back(Tree::object());
+      one["code"] = KeysText(entry.first);
+      one["destination"] = Destination(entry.second);
+    }
+    Tree& book = j["address_book"] = Tree::array();
+    for (const AddressBookEntry& entry : e.addressBook) book.push_back(ContactTree(entry));
   }
-  Tree& speedDial = j["speed_dial"] = Tree::array();
-  for (const SpeedDialEntry& entry : e.speedDial) {
-    Tree& one = speedDial.emplace_back(Tree::object());
-    one["code"] = KeysText(entry.first);
-    one["destination"] = Destination(entry.second);
-  }
-  Tree& book = j["address_book"] = Tree::array();
-  for (const AddressBookEntry& entry : e.addressBook) book.push_back(ContactTree(entry));
   Tree& pstn = j["pstn"] = Tree::object();
   pstn["fxo"] = Numbers(e.fxo.channels);
   pstn["isdn"] = Numbers(e.isdn.channels);
   pstn["cas"] = CasText(e.cas.spans);
+  if (!full) return SummaryOf(j);
   Tree& access = j["access_list"] = Tree::array();
   for (const AccessData& a : e.accessList) {
     Tree& one = access.emplace_back(Tree::object());

@@ -29,11 +29,16 @@ std::string StoredUserName(const std::string& loaded);
 // that a root prints the same wherever it is; other paths as they are.
 std::string RootRelative(const std::string& path, const std::string& root);
 
+// How much of a record a tree holds: all of it, or what "show" keeps
+// (SummaryOf).
+enum class Detail { kFull, kSummary };
+
 // Everything loaded for one extension: name, type, description, sip,
 // personal, services, line, media, functional_table, speed_dial,
 // address_book, pstn, access_list, group_members. Passwords only as
-// whether one is set.
-Tree ExtensionTree(const ExtensionData& extension);
+// whether one is set. With Detail::kSummary, SummaryOf that tree, built
+// without the parts it drops.
+Tree ExtensionTree(const ExtensionData& extension, Detail detail = Detail::kFull);
 
 // One forward of a contact: active, text, destinations (each with its
 // text first, then type, user, host and port).
