@@ -27,10 +27,12 @@ class HeldDump : public DocumentSink {
     size_t hash = 0;
   };
 
+  // With its scratch file in a ScratchDir, removed with the object.
   HeldDump();
   HeldDump(const HeldDump&) = delete;
   HeldDump& operator=(const HeldDump&) = delete;
 
+  // DocumentSink: members are kept, the arrays' records written out.
   void Member(const std::string& key, Tree value) override;
   void BeginArray(const std::string& key) override;
   void Record(Tree record) override;
