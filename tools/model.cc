@@ -322,19 +322,24 @@ Tree AttendantTree(const Attendant& a, bool systemAttendant) {
 }
 
 Tree SummaryOf(const Tree& record) {
-  static const char* const kKept[] = {"name", "type", "description", "system_attendant", "pstn"};
+  // In the record's own order: the summary is the record with less in it.
   Tree summary = Tree::object();
-  for (const char* key : kKept)
-    if (record.contains(key)) summary[key] = record[key];
-  const Tree& sip = record["sip"];
-  Tree& address = summary["sip"] = Tree::object();
-  for (const char* key : {"user", "host", "port"}) address[key] = sip[key];
-  if (record.contains("line")) {
-    Tree& line = summary["line"] = Tree::object();
-    for (const char* key : {"local", "remote"}) line[key] = record["line"][key];
+  const auto pick = [&](const std::string& key, std::initializer_list<const char*> members) {
+    Tree& part = summary[key] = Tree::object();
+    for (const char* member : members) part[member] = record[key][member];
+  };
+  for (auto it = record.begin(); it != record.end(); ++it) {
+    const std::string& key = it.key();
+    if (key == "sip")
+      pick(key, {"user", "host", "port"});
+    else if (key == "line")
+      pick(key, {"local", "remote"});
+    else if (key == "personal" && it.value().contains("display_name"))
+      summary["display_name"] = it.value()["display_name"];
+    else if (key == "name" || key == "type" || key == "description" ||
+             key == "system_attendant" || key == "media" || key == "pstn")
+      summary[key] = it.value();
   }
-  summary["media"] = record["media"];
-  if (record.contains("personal")) summary["display_name"] = record["personal"]["display_name"];
   return summary;
 }
 
