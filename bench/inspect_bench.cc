@@ -43,7 +43,8 @@ std::string Root(benchmark::State& state) {
 // A copy of the root with its first user's transport changed, made once.
 std::string ChangedCopy(const std::string& root) {
   namespace fs = std::filesystem;
-  const std::string copy = bench_roots::CacheFolder() + "/users-changed/";
+  const std::string copy = bench_roots::CacheFolder() + "/users-" + std::to_string(kUsers) + "-v" +
+                           std::to_string(bench_roots::kGeneratorVersion) + "-changed/";
   if (!fs::exists(copy)) {
     fs::copy(root, copy, fs::copy_options::recursive);
     const std::string file = bench_roots::UserFiles(copy, kUsers).front();

@@ -43,7 +43,6 @@ bool PassesCheck(const std::string& root, const std::string& name, const std::st
                  const std::string& file, std::ostream& err) {
   const ShadowRoot copy(root, {name}, true);
   if (copy.path().empty() || !PutInPlace(file, copy.path() + relative, err)) return false;
-  bool refused = false;
   Findings errors;
   for (Finding& finding : FindProblems(copy.path()))
     if (finding.error && finding.file == relative) errors.push_back(std::move(finding));
@@ -51,7 +50,7 @@ bool PassesCheck(const std::string& root, const std::string& name, const std::st
   for (Finding& finding : errors) finding.file = file;
   err << "cmcfg: " << file << " is refused: check finds errors in it\n";
   PrintFindings(errors, err);
-  return refused;
+  return false;
 }
 
 bool PutInPlace(const std::string& source, const std::string& target, std::ostream& err) {
