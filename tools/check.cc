@@ -24,6 +24,7 @@ Findings FindProblems(const std::string& root) {
   CheckRootFiles(root, extensionFiles, &findings);
   const std::set<std::string> names = ExtensionNames(extensionFiles);
   const std::set<std::string> fax = FaxEncodings(settings);
+  AgentParsers parsers;
   CheckDestinations(settings, names, &findings);
   CheckBlockFiles(settings, &findings);
   CheckStoreKeys(settings, &findings);
@@ -37,7 +38,7 @@ Findings FindProblems(const std::string& root) {
     CheckDestinations(one, names, &findings);
     CheckStoreKeys(one, &findings);
     CheckPstnChannels(one, &findings);
-    CheckServiceCodes(one, &findings);
+    CheckServiceCodes(one, parsers, &findings);
   }
   return findings;
 }

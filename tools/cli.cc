@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <exception>
 #include <ostream>
 
 #include "tools/suggest.h"
@@ -157,7 +158,13 @@ int RunCommandLine(int argc, const char* const* argv, std::ostream& out, std::os
     Suggest(line, argc, argv, err);
     return kUsage;
   }
-  return Run(line, out, err);
+  try {
+    return Run(line, out, err);
+  } catch (const std::exception& e) {
+    // Caught so that the scratch folders are removed on the way out.
+    err << "cmcfg: " << e.what() << "\n";
+    return kFindings;
+  }
 }
 
 std::vector<std::string> UndescribedParts() {

@@ -12,6 +12,7 @@
 #include "tests/support/temp_root.h"
 #include "tests/tools/tool_test_util.h"
 #include "tools/check.h"
+#include "tools/agent_parsers.h"
 #include "tools/check_fields.h"
 #include "tools/check_pstn.h"
 #include "tools/check_service_codes.h"
@@ -149,7 +150,7 @@ TEST_F(CheckRulesTest, PstnChannelFindingsPointAtThePiece) {
 }
 
 TEST_F(CheckRulesTest, ServiceCodesThatFormNoKeyOrCanNeverBeReached) {
-  EXPECT_EQ("*72#f1", cmcfg_tool::DialledKeys("*7 2#f1F"));
+  EXPECT_EQ("*72#f1", cmcfg_tool::AgentParsers().DialledKeys("*7 2#f1F"));
   root_.Write(std::string(kUser) + "101.cfg",
               "section service_codes\n{\n"
               "code_1 = *72\n"
