@@ -21,4 +21,10 @@ std::string AgentParsers::DialledKeys(const std::string& code) {
   return KeysText(keys);
 }
 
+std::list<unsigned short> AgentParsers::Channels(const std::string& spec) {
+  std::list<unsigned short> channels;
+  session_->agent().GetFxoChannels(spec, &channels);
+  return channels;
+}
+
 }  // namespace cmcfg_tool

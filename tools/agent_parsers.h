@@ -1,6 +1,7 @@
 #ifndef CMCFG_TOOLS_AGENT_PARSERS_H_
 #define CMCFG_TOOLS_AGENT_PARSERS_H_
 
+#include <list>
 #include <memory>
 #include <string>
 
@@ -21,6 +22,10 @@ class AgentParsers {
   // The keys the agent forms from a service code, as typed on the keypad
   // ("*7 2#f1F" gives "*72#f1").
   std::string DialledKeys(const std::string& code);
+
+  // The channels the agent reads from an FXO or ISDN channel list ("1,2,5";
+  // empty for "all_channels").
+  std::list<unsigned short> Channels(const std::string& spec);
 
  private:
   ScratchDir root_;

@@ -37,7 +37,7 @@ Findings FindProblems(const std::string& root) {
     CheckExtensions(one, fax, &findings);
     CheckDestinations(one, names, &findings);
     CheckStoreKeys(one, &findings);
-    CheckPstnChannels(one, &findings);
+    CheckPstnChannels(one, parsers, &findings);
     CheckServiceCodes(one, parsers, &findings);
   }
   return findings;

@@ -34,10 +34,9 @@ std::vector<Code> ReadCodes(const cfg::Section& section, AgentParsers& parsers) 
 void CheckKeys(const CheckedFile& file, const Code& code, Findings* findings) {
   const std::string where = " of " + std::string(code.entry->key);
   if (code.keys.empty()) {
-    findings->push_back(FindingAt(file.relative, file.lines, code.entry->line, code.text, false,
-                                  "service-code-key",
-                                  "service code " + Quoted(code.text) + where +
-                                      " forms no key sequence"));
+    findings->push_back(
+        FindingAt(file.relative, file.lines, code.entry->line, code.text, false, "service-code-key",
+                  "service code " + Quoted(code.text) + where + " forms no key sequence"));
     return;
   }
   // The first character the agent drops: what it dials is the code without it.
@@ -47,11 +46,12 @@ void CheckKeys(const CheckedFile& file, const Code& code, Findings* findings) {
       ++at;
       continue;
     }
-    findings->push_back(FindingAt(file.relative, file.lines, code.entry->line, code.text, false,
-                                  "service-code-key",
-                                  "service code " + Quoted(code.text) + where + " holds " +
-                                      Quoted(std::string(1, c)) + ", which forms no key; it is "
-                                      "dialled as " + Quoted(code.keys)));
+    findings->push_back(FindingAt(
+        file.relative, file.lines, code.entry->line, code.text, false, "service-code-key",
+        "service code " + Quoted(code.text) + where + " holds " + Quoted(std::string(1, c)) +
+            ", which forms no key; it is "
+            "dialled as " +
+            Quoted(code.keys)));
     return;
   }
 }
@@ -73,11 +73,11 @@ void CheckServiceCodes(const std::vector<CheckedFile>& files, AgentParsers& pars
       auto first = byKeys.emplace(code.keys, &code);
       if (first.second) continue;
       const Code& other = *first.first->second;
-      findings->push_back(FindingAt(
-          file.relative, file.lines, code.entry->line, code.text, false, "same-code",
-          "service code " + Quoted(code.text) + " of " + std::string(code.entry->key) +
-              " dials the same keys as " + Quoted(other.text) + " of " +
-              std::string(other.entry->key) + ": only one of them can be reached"));
+      findings->push_back(
+          FindingAt(file.relative, file.lines, code.entry->line, code.text, false, "same-code",
+                    "service code " + Quoted(code.text) + " of " + std::string(code.entry->key) +
+                        " dials the same keys as " + Quoted(other.text) + " of " +
+                        std::string(other.entry->key) + ": only one of them can be reached"));
     }
     for (const Code& code : codes) {
       for (size_t length = 1; length < code.keys.size(); ++length) {

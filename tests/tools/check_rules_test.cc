@@ -94,9 +94,12 @@ TEST_F(CheckRulesTest, LineDatabaseEntriesTheAgentCannotBind) {
 }
 
 TEST(PstnChannelsTest, ChannelListsReadAsTheAgentReadsThem) {
-  EXPECT_THAT(Messages(cmcfg_tool::ChannelListProblems("fxo_channels", "1, 2 ,3")), IsEmpty());
-  EXPECT_THAT(Messages(cmcfg_tool::ChannelListProblems("fxo_channels", "all_channels")), IsEmpty());
-  EXPECT_THAT(Messages(cmcfg_tool::ChannelListProblems("fxo_channels", "1,2x,,x,70000")),
+  cmcfg_tool::AgentParsers parsers;
+  EXPECT_THAT(Messages(cmcfg_tool::ChannelListProblems("fxo_channels", "1, 2 ,3", parsers)),
+              IsEmpty());
+  EXPECT_THAT(Messages(cmcfg_tool::ChannelListProblems("fxo_channels", "all_channels", parsers)),
+              IsEmpty());
+  EXPECT_THAT(Messages(cmcfg_tool::ChannelListProblems("fxo_channels", "1,2x,,x,70000", parsers)),
               ElementsAre("channel \"2x\" in fxo_channels is not a number from 0 to 65535; it "
                           "reads as 2",
                           "channel \"\" in fxo_channels is not a number from 0 to 65535; it reads "
@@ -107,10 +110,10 @@ TEST(PstnChannelsTest, ChannelListsReadAsTheAgentReadsThem) {
                           "reads as 4464"));
   std::string many;
   for (int i = 0; i < 257; ++i) many += (i ? "," : "") + std::to_string(i);
-  EXPECT_THAT(Messages(cmcfg_tool::ChannelListProblems("isdn_channels", many)),
+  EXPECT_THAT(Messages(cmcfg_tool::ChannelListProblems("isdn_channels", many, parsers)),
               ElementsAre("isdn_channels lists more than 256 channels; the rest are ignored"));
   many = many.substr(0, many.rfind(','));
-  EXPECT_THAT(Messages(cmcfg_tool::ChannelListProblems("isdn_channels", many)), IsEmpty());
+  EXPECT_THAT(Messages(cmcfg_tool::ChannelListProblems("isdn_channels", many, parsers)), IsEmpty());
 }
 
 TEST(PstnChannelsTest, CasSpansAndTimeSlots) {
