@@ -1,21 +1,23 @@
 // The inspecting verbs over a generated root of 10,000 fully profiled
-// users, against a plain start-up of the agent over the same root: `check`
-// (every finding, printed) and `dump --json` (a start-up, then the JSON
-// document). Compare the medians of the three.
+// users, against a plain start-up of the agent over the same root: `show`,
+// `ext` of one user, `dump`, `check`, and `diff` of the root against a copy
+// with one user changed. Compare the medians (ext within 0.1x show, diff
+// within 2x show). Peak memory: run the cmcfg binary under /usr/bin/time -v.
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
 #include <exception>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include "bench/root_generator.h"
 #include "cmcfg/cm_agent.h"
-#include "tools/check.h"
-#include "tools/dump.h"
 #include "tests/support/agent_support.h"
+#include "tools/cli.h"
 
 namespace {
 
@@ -38,6 +40,38 @@ std::string Root(benchmark::State& state) {
   return root;
 }
 
+// A copy of the root with its first user's transport changed, made once.
+std::string ChangedCopy(const std::string& root) {
+  namespace fs = std::filesystem;
+  const std::string copy = bench_roots::CacheFolder() + "/users-" + std::to_string(kUsers) + "-v" +
+                           std::to_string(bench_roots::kGeneratorVersion) + "-changed/";
+  if (!fs::exists(copy)) {
+    fs::copy(root, copy, fs::copy_options::recursive);
+    const std::string file = bench_roots::UserFiles(copy, kUsers).front();
+    std::ofstream(file, std::ios::app) << "\n# changed\n";
+  }
+  return copy;
+}
+
+void RunVerb(benchmark::State& state, std::vector<std::string> args) {
+  const std::string root = Root(state);
+  if (root.empty()) return;
+  for (std::string& arg : args) {
+    if (arg == "ROOT") arg = root;
+    if (arg == "COPY") arg = ChangedCopy(root);
+    if (arg == "USER") arg = bench_roots::UserNumber(kUsers / 2);
+  }
+  std::vector<const char*> argv{"cmcfg"};
+  for (const std::string& arg : args) argv.push_back(arg.c_str());
+  size_t bytes = 0;
+  for (auto _ : state) {
+    std::ostringstream out, err;
+    cmcfg_tool::RunCommandLine(static_cast<int>(argv.size()), argv.data(), out, err);
+    bytes = out.str().size();
+  }
+  state.counters["out_bytes"] = static_cast<double>(bytes);
+}
+
 void BM_InspectStartup(benchmark::State& state) {
   if (Root(state).empty()) return;
   for (auto _ : state) {
@@ -48,40 +82,11 @@ void BM_InspectStartup(benchmark::State& state) {
   }
 }
 
-void BM_InspectCheck(benchmark::State& state) {
-  const std::string root = Root(state);
-  if (root.empty()) return;
-  size_t findings = 0, bytes = 0;
-  for (auto _ : state) {
-    const cmcfg_tool::Findings found = cmcfg_tool::FindProblems(root);
-    std::ostringstream out;
-    cmcfg_tool::PrintFindings(found, out);
-    findings = found.size();
-    bytes = out.str().size();
-  }
-  // A generated root is clean; findings would mean the check or the
-  // generator went wrong, and printing them would be timed as well.
-  state.counters["findings"] = static_cast<double>(findings);
-  state.counters["out_bytes"] = static_cast<double>(bytes);
-}
-
-void BM_InspectDumpJson(benchmark::State& state) {
-  const std::string root = Root(state);
-  if (root.empty()) return;
-  cmcfg_tool::DumpOptions options;
-  options.root = root;
-  options.logDir = bench_roots::CacheFolder() + "/log";
-  size_t bytes = 0;
-  for (auto _ : state) {
-    std::ostringstream out, err;
-    if (cmcfg_tool::RunDump(options, out, err) != 0) {
-      state.SkipWithError(("dump failed: " + err.str()).c_str());
-      return;
-    }
-    bytes = out.str().size();
-  }
-  state.counters["out_MiB"] = static_cast<double>(bytes) / (1024.0 * 1024.0);
-}
+void BM_InspectShow(benchmark::State& state) { RunVerb(state, {"show", "--root", "ROOT"}); }
+void BM_InspectExt(benchmark::State& state) { RunVerb(state, {"ext", "USER", "--root", "ROOT"}); }
+void BM_InspectDump(benchmark::State& state) { RunVerb(state, {"dump", "--root", "ROOT"}); }
+void BM_InspectCheck(benchmark::State& state) { RunVerb(state, {"check", "--root", "ROOT"}); }
+void BM_InspectDiff(benchmark::State& state) { RunVerb(state, {"diff", "ROOT", "COPY"}); }
 
 // Seconds per run: a few repetitions of one run each, medians reported.
 #define CMCFG_INSPECT_BENCH(fn)      \
@@ -89,11 +94,14 @@ void BM_InspectDumpJson(benchmark::State& state) {
       ->Unit(benchmark::kMillisecond) \
       ->UseRealTime()                \
       ->Iterations(1)                \
-      ->Repetitions(5)               \
+      ->Repetitions(3)               \
       ->ReportAggregatesOnly(true)
 
 CMCFG_INSPECT_BENCH(BM_InspectStartup);
+CMCFG_INSPECT_BENCH(BM_InspectShow);
+CMCFG_INSPECT_BENCH(BM_InspectExt);
+CMCFG_INSPECT_BENCH(BM_InspectDump);
 CMCFG_INSPECT_BENCH(BM_InspectCheck);
-CMCFG_INSPECT_BENCH(BM_InspectDumpJson);
+CMCFG_INSPECT_BENCH(BM_InspectDiff);
 
 }  // namespace

@@ -1,12 +1,12 @@
 #include "cmcfg/tone_type_reader.h"
 
-#include <sstream>
 #include <string>
 
 #include "platform/base/config_root.h"
 #include "platform/base/file_utility.h"
 #include "platform/base/multi_section_file.h"
 #include "platform/base/smart_buffer.h"
+#include "tones/tone_values.h"
 
 namespace {
 
@@ -18,22 +18,12 @@ Configuration::MultiSectionFile OpenToneFile(const std::string& path) {
                                          "#", nullptr);
 }
 
-// A formatted read into a zeroed target: text that does not start with a
-// number gives 0 (not the default), "425Hz" gives 425.
 template <typename T>
 T ParseValue(const char* text) {
-  T value = 0;
-  std::istringstream in(text);
-  in >> value;
-  return value;
+  return tones::ReadNumber<T>(text);
 }
 
-bool ParseFlag(const char* text) {
-  bool value = false;
-  std::istringstream in(text);
-  in >> value;
-  return value;
-}
+bool ParseFlag(const char* text) { return tones::ReadFlag(text); }
 
 // Reads `key` into the buffer; true when it gave a non-empty text.
 bool ReadKey(Configuration::MultiSectionFile& file, const char* key, SmartBuffer& buffer) {

@@ -5,24 +5,21 @@
 #include <string>
 
 #include "tools/check_findings.h"
+#include "tools/verb.h"
 
 namespace cmcfg_tool {
 
-// Options of `cmcfg check`.
-struct CheckOptions {
-  std::string root;  // "" : $ORBA_PATH, else /etc/orba-conf/
-  bool json = false;
-};
 
-// Every finding for the root `root` (ending in "/"), in file order: the
-// syntax of each file the agent reads, then what the agent would skip.
-// Reads only.
+// Every finding for the root `root` (ending in "/"): the settings files'
+// syntax, the missing, unread and shared-number files, the settings files'
+// values, then each extension file in turn (its syntax, then what the agent
+// would skip in it). Reads only, one extension file at a time.
 Findings FindProblems(const std::string& root);
 
-// `cmcfg check`: prints the findings on out (text or JSON). Status 0 when
-// there is no error (warnings allowed), 1 with an error, 2 when the root
-// cannot be read (one line on err).
-int RunCheck(const CheckOptions& options, std::ostream& out, std::ostream& err);
+// `cmcfg check [--json]`: prints the findings on out (text or JSON). kOk
+// when there is no error (warnings allowed), kFindings with an error,
+// kUsage when the root cannot be read (one line on err).
+int RunCheck(const Invocation& invocation, std::ostream& out, std::ostream& err);
 
 }  // namespace cmcfg_tool
 

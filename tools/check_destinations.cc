@@ -3,6 +3,9 @@
 #include <set>
 #include <string>
 
+#include "platform/base/value_codec.h"
+#include "platform/extension/value_rules.h"
+
 namespace cmcfg_tool {
 namespace {
 
@@ -37,12 +40,8 @@ std::vector<std::string> SplitFields(std::string_view value, size_t count) {
 
 class Checker {
  public:
-  Checker(const std::vector<CheckedFile>& files, Findings* findings) : findings_(findings) {
-    for (const CheckedFile& file : files) {
-      const std::string name = ExtensionName(file.relative);
-      if (!name.empty()) names_.insert(name);
-    }
-  }
+  Checker(const std::set<std::string>& names, Findings* findings)
+      : findings_(findings), names_(names) {}
 
   void Require(const CheckedFile& file, const cfg::Entry& entry, const std::string& name,
                const std::string& what) {
@@ -50,6 +49,22 @@ class Checker {
     findings_->push_back(FindingAt(file.relative, file.lines, entry.line, name, false,
                                    "unknown-extension",
                                    what + " \"" + name + "\" names no extension"));
+  }
+
+  // A destination whose address does not read back as the store's own
+  // rule for its type says is dropped without a word. (An entry that is not
+  // "enabled,type,address" has its finding from the key rules.)
+  void Readable(const CheckedFile& file, const cfg::Entry& entry,
+                const std::vector<std::string>& parts) {
+    int32_t type = 0;
+    if (parts.size() != 3 || !cfg::ParseValue(parts[1], &type)) return;
+    const cfg::Status valid = extdb::CheckDestination(type, parts[2]);
+    if (valid.ok()) return;
+    findings_->push_back(FindingAt(file.relative, file.lines, entry.line, parts[2], true,
+                                   "dropped-destination",
+                                   "forward destination \"" + parts[2] +
+                                       "\" cannot be split as the agent reads it (" +
+                                       valid.message() + "); the agent drops it"));
   }
 
   void Extension(const CheckedFile& file) {
@@ -60,6 +75,7 @@ class Checker {
         for (const cfg::Entry& entry : section.entries) {
           if (!StartsWith(entry.key, "destination_")) continue;
           const std::vector<std::string> parts = SplitFields(entry.value, 3);
+          Readable(file, entry, parts);
           // The agent drops a destination that is switched off.
           if (parts.size() == 3 && parts[0] != "0" && parts[1] == "0")
             Require(file, entry, parts[2], "forward destination");
@@ -89,13 +105,20 @@ class Checker {
 
  private:
   Findings* findings_;
-  std::set<std::string> names_;
+  const std::set<std::string>& names_;
 };
 
 }  // namespace
 
-void CheckDestinations(const std::vector<CheckedFile>& files, Findings* findings) {
-  Checker checker(files, findings);
+std::set<std::string> ExtensionNames(const std::vector<std::string>& extensionFiles) {
+  std::set<std::string> names;
+  for (const std::string& relative : extensionFiles) names.insert(ExtensionName(relative));
+  return names;
+}
+
+void CheckDestinations(const std::vector<CheckedFile>& files, const std::set<std::string>& names,
+                       Findings* findings) {
+  Checker checker(names, findings);
   for (const CheckedFile& file : files) {
     if (file.relative == "telephony/linedb")
       checker.LineDatabase(file);

@@ -12,17 +12,6 @@ namespace {
 
 const char* const kVoiceLists[] = {"voice_codecs", "extra_voice_codecs", "modem_codecs"};
 
-// Fax encodings are the section names of fax.cfg, matched exactly as the
-// codec lists match them.
-std::set<std::string> FaxEncodings(const std::vector<CheckedFile>& files) {
-  std::set<std::string> names;
-  for (const CheckedFile& file : files) {
-    if (file.relative != "telephony/fax.cfg") continue;
-    for (const cfg::Section& section : file.doc.sections()) names.emplace(section.name);
-  }
-  return names;
-}
-
 void CheckList(const CheckedFile& file, const cfg::Entry& entry, const std::set<std::string>* fax,
                Findings* findings) {
   const std::string value(entry.value);
@@ -49,8 +38,17 @@ bool IsSpeedDialCode(std::string_view code) {
 
 }  // namespace
 
-void CheckExtensions(const std::vector<CheckedFile>& files, Findings* findings) {
-  const std::set<std::string> fax = FaxEncodings(files);
+std::set<std::string> FaxEncodings(const std::vector<CheckedFile>& files) {
+  std::set<std::string> names;
+  for (const CheckedFile& file : files) {
+    if (file.relative != "telephony/fax.cfg") continue;
+    for (const cfg::Section& section : file.doc.sections()) names.emplace(section.name);
+  }
+  return names;
+}
+
+void CheckExtensions(const std::vector<CheckedFile>& files, const std::set<std::string>& fax,
+                     Findings* findings) {
   for (const CheckedFile& file : files) {
     const std::string kind = ExtensionKind(file);
     if (kind.empty()) continue;

@@ -1,8 +1,5 @@
 #include "tools/check_fields.h"
 
-#include <sstream>
-#include <utility>
-
 #include "platform/blocks/authorized_phones_accessor.h"
 #include "platform/blocks/block_sections.h"
 #include "platform/blocks/gateway_accessor.h"
@@ -11,41 +8,14 @@
 #include "tools/check_keys.h"
 
 namespace cmcfg_tool {
-
-FieldProbe::FieldProbe(Probe probe) : probe_(probe) {
-  std::istringstream keys(probe_("", "", ""));
-  for (std::string key; std::getline(keys, key);) keys_.insert(key);
-}
-
-bool FieldProbe::Takes(std::string_view key, std::string_view value) const {
-  // Two different numbers before: a value that is taken overwrites both alike.
-  return !Knows(key) || probe_(key, "7", value) == probe_(key, "8", value);
-}
-
 namespace {
 
 struct BlockFile {
   const char* relative;
-  FieldProbe probe;
+  cfg::KeyRules rules;
 };
 
-// The probe's keys as rules. Block fields are numbers, or texts that
-// every value fills.
-cfg::KeyRules RulesOf(const FieldProbe& probe) {
-  cfg::KeyRules rules;
-  for (const std::string& key : probe.keys()) {
-    cfg::KeyRule rule;
-    rule.key = key;
-    rule.accepts = [&probe, key](std::string_view value) { return probe.Takes(key, value); };
-    rule.expected = "a number";
-    rule.fallback = "the default is kept";
-    rules.push_back(std::move(rule));
-  }
-  return rules;
-}
-
-void CheckBlockFile(const CheckedFile& file, const FieldProbe& probe, Findings* findings) {
-  const cfg::KeyRules rules = RulesOf(probe);
+void CheckBlockFile(const CheckedFile& file, const cfg::KeyRules& rules, Findings* findings) {
   CheckSectionKeys(
       file,
       [&](std::string_view name) -> const cfg::KeyRules* {
@@ -62,14 +32,14 @@ void CheckBlockFile(const CheckedFile& file, const FieldProbe& probe, Findings* 
 
 void CheckBlockFiles(const std::vector<CheckedFile>& files, Findings* findings) {
   static const BlockFile kBlockFiles[] = {
-      {"telephony/gateways.cfg", FieldProbe::Of<GatewayBlock>()},
-      {"telephony/tos.cfg", FieldProbe::Of<TosBlock>()},
-      {"telephony/authorized_phones.cfg", FieldProbe::Of<AuthorizedPhoneBlock>()},
-      {"telephony/ringpatterns.cfg", FieldProbe::Of<RingPatternBlock>()},
+      {"telephony/gateways.cfg", GatewayBlock::KeyRules()},
+      {"telephony/tos.cfg", TosBlock::KeyRules()},
+      {"telephony/authorized_phones.cfg", AuthorizedPhoneBlock::KeyRules()},
+      {"telephony/ringpatterns.cfg", RingPatternBlock::KeyRules()},
   };
   for (const BlockFile& block : kBlockFiles)
     if (const CheckedFile* file = FindFile(files, block.relative))
-      CheckBlockFile(*file, block.probe, findings);
+      CheckBlockFile(*file, block.rules, findings);
 }
 
 }  // namespace cmcfg_tool

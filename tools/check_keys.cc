@@ -31,11 +31,24 @@ void CheckSectionKeys(const CheckedFile& file, const SectionLookup& lookup,
         findings->push_back(KeyFinding(file, entry, false, "unknown-key",
                                        "unknown key \"" + key + "\" in section \"" + name +
                                            "\"; it is not read"));
-      } else if (section.Find(entry.key) == &entry && !cfg::Accepts(*rule, value)) {
+      } else if (const cfg::Entry* first = section.Find(entry.key); first != &entry) {
+        // The readers take a key's first line in its section.
+        findings->push_back(KeyFinding(file, entry, false, "repeated-key",
+                                       key + " is given again in section \"" + name +
+                                           "\"; the first (line " +
+                                           std::to_string(first->line) +
+                                           ") counts, this one is ignored"));
+      } else if (!cfg::Accepts(*rule, value)) {
         findings->push_back(FindingAt(file.relative, file.lines, entry.line, value, false,
                                       "bad-value",
                                       "value \"" + value + "\" of " + key + " is not " +
                                           rule->expected + "; " + rule->fallback));
+      } else if (rule->domain != nullptr && !cfg::InDomain(*rule->domain, value)) {
+        findings->push_back(FindingAt(file.relative, file.lines, entry.line, value, true,
+                                      "out-of-range",
+                                      "value \"" + value + "\" of " + key + " is not " +
+                                          rule->domain->text +
+                                          "; it is read as written and cannot work"));
       }
     }
   });

@@ -10,7 +10,6 @@ namespace {
 const char kAllChannels[] = "all_channels";
 const unsigned kMaxTimeSlot = 31;
 const size_t kMaxSpans = 64;
-const size_t kMaxChannels = 256;
 
 bool IsBlank(char c) { return c == ' ' || c == '\t'; }
 
@@ -53,7 +52,8 @@ class SpecReader {
   void List(const std::string& text, const std::string& what, const std::string& where) {
     for (const std::string& piece : StringUtils::ParseCommaLine(text, ',')) {
       if (IsNumber(piece, 0xFFFF)) continue;
-      Add(piece, what + " " + Quoted(piece) + " in " + where + " is not a number from 0 to 65535; it reads as " +
+      Add(piece, what + " " + Quoted(piece) + " in " + where +
+                     " is not a number from 0 to 65535; it reads as " +
                      std::to_string(LeadingNumber(piece)));
     }
   }
@@ -85,14 +85,25 @@ class SpecReader {
 
 }  // namespace
 
-std::vector<ChannelProblem> ChannelListProblems(const std::string& key, const std::string& spec) {
-  SpecReader reader;
-  if (spec == kAllChannels) return reader.problems;
-  reader.List(spec, "channel", key);
-  if (StringUtils::ParseCommaLine(spec, ',').size() > kMaxChannels)
-    reader.Add("", key + " lists more than " + std::to_string(kMaxChannels) +
-                       " channels; the rest are ignored");
-  return reader.problems;
+std::vector<ChannelProblem> ChannelListProblems(const std::string& key, const std::string& spec,
+                                                AgentParsers& parsers) {
+  // What is written against what the agent reads: piece by piece, then the
+  // whole list.
+  std::vector<ChannelProblem> problems;
+  if (spec == kAllChannels) return problems;
+  const std::vector<std::string> pieces = StringUtils::ParseCommaLine(spec, ',');
+  for (const std::string& piece : pieces) {
+    if (IsNumber(piece, 0xFFFF)) continue;
+    const std::list<unsigned short> read = parsers.Channels(piece);
+    problems.push_back({piece, "channel " + Quoted(piece) + " in " + key +
+                                   " is not a number from 0 to 65535; it reads as " +
+                                   std::to_string(read.empty() ? 0 : read.front())});
+  }
+  const size_t kept = parsers.Channels(spec).size();
+  if (kept < pieces.size())
+    problems.push_back(
+        {"", key + " lists more than " + std::to_string(kept) + " channels; the rest are ignored"});
+  return problems;
 }
 
 std::vector<ChannelProblem> CasProblems(const std::string& spec) {
@@ -104,11 +115,13 @@ std::vector<ChannelProblem> CasProblems(const std::string& spec) {
     const size_t slash = group.find('/');
     const std::string span = group.substr(0, slash);
     if (!IsNumber(span, 0xFFFF))
-      reader.Add(span, "span " + Quoted(span) + " in cas_channels is not a number from 0 to 65535; it reads as " +
+      reader.Add(span, "span " + Quoted(span) +
+                           " in cas_channels is not a number from 0 to 65535; it reads as " +
                            std::to_string(LeadingNumber(span)));
     if (slash == std::string::npos) {
-      reader.Add(group, "span group " + Quoted(group) + " in cas_channels has no \"/\" and no "
-                                                        "time slots");
+      reader.Add(group, "span group " + Quoted(group) +
+                            " in cas_channels has no \"/\" and no "
+                            "time slots");
     } else {
       reader.Slots(group.substr(slash + 1));
     }
@@ -123,7 +136,8 @@ std::vector<ChannelProblem> CasProblems(const std::string& spec) {
   return reader.problems;
 }
 
-void CheckPstnChannels(const std::vector<CheckedFile>& files, Findings* findings) {
+void CheckPstnChannels(const std::vector<CheckedFile>& files, AgentParsers& parsers,
+                       Findings* findings) {
   for (const CheckedFile& file : files) {
     if (ExtensionKind(file).empty()) continue;
     const cfg::Section* section = file.doc.Find("pstn_agent");
@@ -133,13 +147,12 @@ void CheckPstnChannels(const std::vector<CheckedFile>& files, Findings* findings
       const std::string key(entry.key), value(entry.value);
       std::vector<ChannelProblem> problems;
       if (key == "fxo_channels" || key == "isdn_channels")
-        problems = ChannelListProblems(key, value);
+        problems = ChannelListProblems(key, value, parsers);
       else if (key == "cas_channels")
         problems = CasProblems(value);
       for (const ChannelProblem& p : problems)
-        findings->push_back(
-            FindingAt(file.relative, file.lines, entry.line, p.piece, false, "pstn-channels",
-                      p.message));
+        findings->push_back(FindingAt(file.relative, file.lines, entry.line, p.piece, false,
+                                      "pstn-channels", p.message));
     }
   }
 }

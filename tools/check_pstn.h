@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "tools/check_findings.h"
+#include "tools/agent_parsers.h"
 #include "tools/check_syntax.h"
 
 namespace cmcfg_tool {
@@ -17,10 +18,11 @@ struct ChannelProblem {
 };
 
 // The problems of an FXO or ISDN channel list ("1,2,5" or "all_channels")
-// held by `key`: pieces that are not a channel number (the agent reads
-// their leading digits, 0 without any) and lists longer than the agent
-// keeps. Empty for a well-formed list.
-std::vector<ChannelProblem> ChannelListProblems(const std::string& key, const std::string& spec);
+// held by `key`: pieces that are not a channel number, with what the agent
+// reads from each, and lists longer than the agent keeps, as its own parser
+// (`parsers`) reads them. Empty for a well-formed list.
+std::vector<ChannelProblem> ChannelListProblems(const std::string& key, const std::string& spec,
+                                                AgentParsers& parsers);
 
 // The problems of a CAS specification ("0/1-15;0/17-31" or
 // "all_channels"): spans and time slots that are not numbers, groups
@@ -30,7 +32,8 @@ std::vector<ChannelProblem> CasProblems(const std::string& spec);
 
 // Checks `fxo_channels`, `isdn_channels` and `cas_channels` of the
 // `pstn_agent` section of every extension file. Adds warnings to `findings`.
-void CheckPstnChannels(const std::vector<CheckedFile>& files, Findings* findings);
+void CheckPstnChannels(const std::vector<CheckedFile>& files, AgentParsers& parsers,
+                       Findings* findings);
 
 }  // namespace cmcfg_tool
 

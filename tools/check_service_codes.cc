@@ -8,8 +8,6 @@
 namespace cmcfg_tool {
 namespace {
 
-bool IsKey(char c) { return (c >= '0' && c <= '9') || c == '*' || c == '#' || c == 'f'; }
-
 // One code of the section: its text, the key it sits under and its line.
 struct Code {
   std::string text;
@@ -21,14 +19,14 @@ std::string Quoted(const std::string& text) { return "\"" + text + "\""; }
 
 // The codes of the keys the store reads, in file order (unknown keys have
 // their finding from the store's key rules).
-std::vector<Code> ReadCodes(const cfg::Section& section) {
+std::vector<Code> ReadCodes(const cfg::Section& section, AgentParsers& parsers) {
   const cfg::KeyRules& keys = *extdb::ReadingOf(section.name).keys;
   std::vector<Code> codes;
   for (const cfg::Entry& entry : section.entries) {
     const bool known = cfg::FindKeyRule(keys, entry.key) != nullptr;
     if (!known || section.Find(entry.key) != &entry) continue;  // only the first of a key is read
     for (const std::string& piece : StringUtils::ParseCommaLine(std::string(entry.value), ','))
-      codes.push_back({piece, DialledKeys(piece), &entry});
+      codes.push_back({piece, parsers.DialledKeys(piece), &entry});
   }
   return codes;
 }
@@ -36,38 +34,37 @@ std::vector<Code> ReadCodes(const cfg::Section& section) {
 void CheckKeys(const CheckedFile& file, const Code& code, Findings* findings) {
   const std::string where = " of " + std::string(code.entry->key);
   if (code.keys.empty()) {
-    findings->push_back(FindingAt(file.relative, file.lines, code.entry->line, code.text, false,
-                                  "service-code-key",
-                                  "service code " + Quoted(code.text) + where +
-                                      " forms no key sequence"));
+    findings->push_back(
+        FindingAt(file.relative, file.lines, code.entry->line, code.text, false, "service-code-key",
+                  "service code " + Quoted(code.text) + where + " forms no key sequence"));
     return;
   }
+  // The first character the agent drops: what it dials is the code without it.
+  size_t at = 0;
   for (char c : code.text) {
-    if (IsKey(c)) continue;
-    findings->push_back(FindingAt(file.relative, file.lines, code.entry->line, code.text, false,
-                                  "service-code-key",
-                                  "service code " + Quoted(code.text) + where + " holds " +
-                                      Quoted(std::string(1, c)) + ", which forms no key; it is "
-                                      "dialled as " + Quoted(code.keys)));
+    if (at < code.keys.size() && c == code.keys[at]) {
+      ++at;
+      continue;
+    }
+    findings->push_back(FindingAt(
+        file.relative, file.lines, code.entry->line, code.text, false, "service-code-key",
+        "service code " + Quoted(code.text) + where + " holds " + Quoted(std::string(1, c)) +
+            ", which forms no key; it is "
+            "dialled as " +
+            Quoted(code.keys)));
     return;
   }
 }
 
 }  // namespace
 
-std::string DialledKeys(const std::string& code) {
-  std::string keys;
-  for (char c : code)
-    if (IsKey(c)) keys += c;
-  return keys;
-}
-
-void CheckServiceCodes(const std::vector<CheckedFile>& files, Findings* findings) {
+void CheckServiceCodes(const std::vector<CheckedFile>& files, AgentParsers& parsers,
+                       Findings* findings) {
   for (const CheckedFile& file : files) {
     if (ExtensionKind(file) != "user") continue;
     const cfg::Section* section = file.doc.Find("service_codes");
     if (section == nullptr) continue;
-    const std::vector<Code> codes = ReadCodes(*section);
+    const std::vector<Code> codes = ReadCodes(*section, parsers);
     // The first code of each key sequence, to look prefixes up in.
     std::map<std::string, const Code*> byKeys;
     for (const Code& code : codes) {
@@ -76,11 +73,11 @@ void CheckServiceCodes(const std::vector<CheckedFile>& files, Findings* findings
       auto first = byKeys.emplace(code.keys, &code);
       if (first.second) continue;
       const Code& other = *first.first->second;
-      findings->push_back(FindingAt(
-          file.relative, file.lines, code.entry->line, code.text, false, "same-code",
-          "service code " + Quoted(code.text) + " of " + std::string(code.entry->key) +
-              " dials the same keys as " + Quoted(other.text) + " of " +
-              std::string(other.entry->key) + ": only one of them can be reached"));
+      findings->push_back(
+          FindingAt(file.relative, file.lines, code.entry->line, code.text, false, "same-code",
+                    "service code " + Quoted(code.text) + " of " + std::string(code.entry->key) +
+                        " dials the same keys as " + Quoted(other.text) + " of " +
+                        std::string(other.entry->key) + ": only one of them can be reached"));
     }
     for (const Code& code : codes) {
       for (size_t length = 1; length < code.keys.size(); ++length) {

@@ -5,20 +5,19 @@
 #include <vector>
 
 #include "tools/check_findings.h"
+#include "tools/agent_parsers.h"
 #include "tools/check_syntax.h"
 
 namespace cmcfg_tool {
-
-// The keys a service code dials, as the agent forms them: digits, '*', '#'
-// and 'f' (hook flash) in order; every other character is dropped.
-std::string DialledKeys(const std::string& code);
 
 // Checks the `service_codes` section of every user extension file (only
 // users have a functional table): keys other than code_1 .. code_N of the
 // store, codes holding characters that form no key, codes that form none
 // at all, and codes that can never be reached because another code of the
-// file is a proper prefix of them. Adds warnings to `findings`.
-void CheckServiceCodes(const std::vector<CheckedFile>& files, Findings* findings);
+// file is a proper prefix of them. The keys a code dials are the agent's
+// own (`parsers`). Adds warnings to `findings`.
+void CheckServiceCodes(const std::vector<CheckedFile>& files, AgentParsers& parsers,
+                       Findings* findings);
 
 }  // namespace cmcfg_tool
 

@@ -14,7 +14,7 @@ namespace {
 namespace fs = std::filesystem;
 
 // Settings files read by the agent or its accessors, relative to the root.
-const char* const kSettingsFiles[] = {
+const std::vector<std::string> kSettingsFiles = {
     "telephony/general.cfg",    "telephony/paths.cfg",       "telephony/fxs.cfg",
     "telephony/log_login.cfg",  "telephony/gateways.cfg",    "telephony/tos.cfg",
     "telephony/authorized_phones.cfg", "telephony/ringpatterns.cfg",
@@ -100,6 +100,8 @@ Finding KeyFinding(const CheckedFile& file, const cfg::Entry& entry, bool error,
   return LineFinding(file, entry.line, entry.key, error, code, message);
 }
 
+const std::vector<std::string>& SettingsFiles() { return kSettingsFiles; }
+
 const CheckedFile* FindFile(const std::vector<CheckedFile>& files, const std::string& relative) {
   for (const CheckedFile& file : files)
     if (file.relative == relative) return &file;
@@ -122,9 +124,14 @@ bool IsExtensionFileName(const std::string& fileName) {
   return extdb::IsValidName(fileName.substr(0, fileName.size() - suffix.size()));
 }
 
-std::vector<CheckedFile> LoadRootFiles(const std::string& root, Findings* findings) {
+std::vector<CheckedFile> LoadSettingsFiles(const std::string& root, Findings* findings) {
   std::vector<CheckedFile> files;
-  for (const char* relative : kSettingsFiles) LoadOne(root, relative, findings, &files);
+  for (const std::string& relative : kSettingsFiles) LoadOne(root, relative, findings, &files);
+  return files;
+}
+
+std::vector<std::string> ListExtensionFiles(const std::string& root, Findings* findings) {
+  std::vector<std::string> files;
   const std::string db = "telephony/extensiondb/";
   for (const std::string& kind : SortedEntries(root + db, true)) {
     const std::string folder = db + kind + "/";
@@ -141,10 +148,15 @@ std::vector<CheckedFile> LoadRootFiles(const std::string& root, Findings* findin
         findings->push_back(std::move(f));
         continue;
       }
-      LoadOne(root, folder + name, findings, &files);
+      files.push_back(folder + name);
     }
   }
   return files;
+}
+
+bool LoadFile(const std::string& root, const std::string& relative, Findings* findings,
+              std::vector<CheckedFile>* files) {
+  return LoadOne(root, relative, findings, files);
 }
 
 }  // namespace cmcfg_tool

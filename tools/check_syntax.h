@@ -18,14 +18,26 @@ struct CheckedFile {
   std::vector<std::string> lines;  // the raw lines, for quoting
 };
 
-// The files of the root the agent reads, under kind folders for extension
-// files: the settings files, the line database and the tone file that
-// exist, then "telephony/extensiondb/system.cfg" and every extension file
-// whose name the extension database accepts. Reads only, never writes.
-// Adds to `findings`: the parser's diagnostics (errors), sections that
-// occur twice (warnings, the first is read), and extension files whose
-// names break the naming rules (warnings; such files are not returned).
-std::vector<CheckedFile> LoadRootFiles(const std::string& root, Findings* findings);
+// The settings files of the root (SettingsFiles()) that exist, parsed with
+// the store's reader. Reads only, never writes. Adds to `findings`: the
+// parser's diagnostics (errors) and sections that occur twice (warnings,
+// the first is read).
+std::vector<CheckedFile> LoadSettingsFiles(const std::string& root, Findings* findings);
+
+// The extension files the database reads, relative to the root, by kind
+// folder and name; files whose names break the naming rules are warnings
+// in `findings` instead. Lists only.
+std::vector<std::string> ListExtensionFiles(const std::string& root, Findings* findings);
+
+// Appends the file `relative` to `files`, parsed as LoadSettingsFiles
+// parses its files (with the same findings); false when it is missing or
+// cannot be read (then nothing is appended).
+bool LoadFile(const std::string& root, const std::string& relative, Findings* findings,
+              std::vector<CheckedFile>* files);
+
+// The settings files the agent reads, relative to the root, in the order
+// LoadSettingsFiles reads them.
+const std::vector<std::string>& SettingsFiles();
 
 // The file `relative` among `files`, or nullptr when the root has none.
 const CheckedFile* FindFile(const std::vector<CheckedFile>& files, const std::string& relative);

@@ -1,15 +1,12 @@
 #include "tools/cli.h"
 
 #include <CLI/CLI.hpp>
-#include <memory>
+#include <algorithm>
+#include <exception>
 #include <ostream>
 
-#include "tools/check.h"
-#include "tools/diff.h"
-#include "tools/dump.h"
-#include "tools/ext.h"
-#include "tools/show.h"
-#include "tools/write_back_cli.h"
+#include "tools/suggest.h"
+#include "tools/verb.h"
 
 #ifndef CMCFG_VERSION
 #define CMCFG_VERSION "unknown"
@@ -18,142 +15,163 @@
 namespace cmcfg_tool {
 namespace {
 
+const char kToolDescription[] =
+    "cmcfg - inspect a configuration root as the configuration agent sees it, check its files, "
+    "and make the changes a telephone or the web configuration makes";
 const char kRootHelp[] = "Configuration root (default: $ORBA_PATH, else /etc/orba-conf/)";
 const char kLogDirHelp[] =
-    "Folder for cmcfg.log (default: $CMCFG_LOG_DIR, else the current directory; when that is "
-    "inside the root, $TMPDIR or /tmp)";
-const char kJsonHelp[] = "Print JSON instead of text";
-const char kLoadReadsOnly[] =
-    "Reads only: nothing in the root is created, changed or removed, though the load behaves "
-    "as if the call manager's usual saves (default database names, the trimmed external-user "
-    "cache) had happened.";
-const char kPrintedStatuses[] = "0 printed; 2 the root cannot be read; 100 and up a usage error.";
-const char kCheckReadsOnly[] =
-    "Reads only: the files are read with the store's reader, the agent is not loaded and "
-    "nothing in the root is created, changed or removed.";
+    "Keep the agent's cmcfg.log in this folder (default: $CMCFG_LOG_DIR; else no log is kept)";
 
-void AddCommonOptions(CLI::App* verb, std::string* root, std::string* logDir, bool* json) {
-  verb->add_option("--root", *root, kRootHelp);
-  verb->add_option("--log-dir", *logDir, kLogDirHelp);
-  verb->add_flag("--json", *json, kJsonHelp);
+// The options every verb takes, before or after the verb.
+void AddRootOptions(CLI::App* app, Invocation* invocation) {
+  app->add_option("--root", invocation->root, kRootHelp);
+  app->add_option("--log-dir", invocation->logDir, kLogDirHelp);
 }
 
-// The full story of an inspection verb and its exit statuses, under its
-// own help only.
-void Explain(CLI::App* verb, const char* details, const std::string& statuses) {
-  verb->footer(details + (" See docs/man/" + verb->get_name()) + ".md.\n\nExit status: " +
-               statuses);
+void AddVerbOptions(CLI::App* sub, const Verb& verb, Invocation* invocation) {
+  if (verb.maxOperands > 0)
+    sub->add_option("OPERANDS", invocation->operands, verb.operands)->expected(-1);
+  AddRootOptions(sub, invocation);
+  if (verb.options & kJsonOption) sub->add_flag("--json", invocation->json, "Print JSON");
+  if (verb.options & kDryRunOption)
+    sub->add_flag("--dry-run", invocation->dryRun,
+                  "Print the unified diff of what would be written; write nothing");
+  if (verb.options & kReplaceOption)
+    sub->add_flag("--replace", invocation->replace,
+                  "set: replace a different number already set from the phone");
+  if (verb.options & kOutgoingOption)
+    sub->add_flag("--outgoing", invocation->outgoing,
+                  "The outgoing black list (default: the incoming one)");
+  if (verb.options & kCallTypeOption)
+    sub->add_option("--call-type", invocation->callType, "number, sip or pstn (default: number)")
+        ->check(CLI::IsMember({"number", "sip", "pstn"}, CLI::ignore_case));
+  if (verb.options & kEditedOption)
+    sub->add_option("--edited", invocation->edited,
+                    "A file to put in place first, as the web configuration saves it; it is "
+                    "checked as 'cmcfg check' checks it and refused on an error");
+  sub->footer(std::string("See man cmcfg-") + verb.name + ".\n\n" + kStatusTable);
 }
 
-// The tool's application: every verb with its options, help and statuses.
-class Verbs {
- public:
-  explicit Verbs(CLI::App* app) : app_(app) {
-    Configure();
-    writeBack_ = std::make_unique<WriteBackVerbs>(app);  // listed after the inspection verbs
+// The tool's application: every verb of the table with its options.
+struct CommandLine {
+  CLI::App app{kToolDescription, "cmcfg"};  // not argv[0]: usage names the tool as typed
+  Invocation invocation;
+  std::vector<std::pair<CLI::App*, const Verb*>> verbs;
+
+  CommandLine() {
+    app.require_subcommand(1);
+    app.set_version_flag("--version", std::string("cmcfg ") + CMCFG_VERSION,
+                         "Print the version and exit");
+    AddRootOptions(&app, &invocation);
+    app.footer(std::string("Run 'cmcfg VERB --help' for a verb's options, or 'man cmcfg'.\n\n") +
+               kStatusTable);
+    for (const Verb& verb : Verbs()) {
+      CLI::App* sub = app.add_subcommand(verb.name, verb.summary);
+      AddVerbOptions(sub, verb, &invocation);
+      verbs.emplace_back(sub, &verb);
+    }
   }
 
-  // After a successful parse: the status of the verb that was given.
-  int Run(std::ostream& out, std::ostream& err) {
-    if (*showCmd_) return RunShow(show_, out, err);
-    if (*extCmd_) return RunExt(ext_, out, err);
-    if (*dumpCmd_) return RunDump(dump_, out, err);
-    if (*diffCmd_) return RunDiff(diff_, out, err);
-    if (*checkCmd_) return RunCheck(check_, out, err);
-    const int status = writeBack_->Run(out, err);
-    return status >= 0 ? status : 1;
+  std::vector<std::string> KnownOptions() const {
+    std::vector<std::string> names;
+    for (const auto& verb : verbs)
+      for (const CLI::Option* option : verb.first->get_options())
+        for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
+    return names;
   }
-
- private:
-  void Configure() {
-    app_->require_subcommand(1);
-    app_->set_version_flag("--version", std::string("cmcfg ") + CMCFG_VERSION,
-                           "Print the version and exit");
-
-    showCmd_ = app_->add_subcommand("show", "Load the configuration and print a summary");
-    AddCommonOptions(showCmd_, &show_.root, &show_.logDir, &show_.json);
-    Explain(showCmd_, kLoadReadsOnly, kPrintedStatuses);
-
-    extCmd_ =
-        app_->add_subcommand("ext", "Load the configuration and print one extension or attendant");
-    extCmd_->add_option("name", ext_.name, "Extension or attendant name")->required();
-    AddCommonOptions(extCmd_, &ext_.root, &ext_.logDir, &ext_.json);
-    Explain(extCmd_, kLoadReadsOnly,
-            "0 printed; 1 no extension or attendant has that name; 2 the root cannot be read; "
-            "100 and up a usage error.");
-
-    checkCmd_ = app_->add_subcommand(
-        "check", "Read the configuration files and report what is wrong in them");
-    checkCmd_->add_option("--root", check_.root, kRootHelp);
-    checkCmd_->add_flag("--json", check_.json, kJsonHelp);
-    Explain(checkCmd_, kCheckReadsOnly,
-            "0 no error (warnings allowed); 1 at least one error; 2 the root cannot be read; 100 "
-            "and up a usage error.");
-
-    dumpCmd_ = app_->add_subcommand(
-        "dump", "Load the configuration and print every loaded record as one JSON document");
-    AddCommonOptions(dumpCmd_, &dump_.root, &dump_.logDir, &dump_.json);
-    Explain(dumpCmd_, kLoadReadsOnly, kPrintedStatuses);
-
-    diffCmd_ = app_->add_subcommand(
-        "diff", "Load two configuration roots and print what the agent holds differently");
-    diffCmd_->add_option("root_a", diff_.rootA, "The first configuration root")->required();
-    diffCmd_->add_option("root_b", diff_.rootB, "The second configuration root")->required();
-    diffCmd_->add_option("--log-dir", diff_.logDir, kLogDirHelp);
-    Explain(diffCmd_, kLoadReadsOnly,
-            "0 the agent holds the same for both; 1 it does not (one line per difference); 2 a "
-            "root cannot be read; 100 and up a usage error.");
-  }
-
-  CLI::App* app_;
-  ShowOptions show_;
-  ExtOptions ext_;
-  CheckOptions check_;
-  DumpOptions dump_;
-  DiffOptions diff_;
-  CLI::App* showCmd_ = nullptr;
-  CLI::App* extCmd_ = nullptr;
-  CLI::App* checkCmd_ = nullptr;
-  CLI::App* dumpCmd_ = nullptr;
-  CLI::App* diffCmd_ = nullptr;
-  std::unique_ptr<WriteBackVerbs> writeBack_;
 };
 
-const char kToolDescription[] =
-    "cmcfg - inspect the configuration agent's view of a configuration root, and drive its "
-    "write-back operations on it";
+// After a usage error: the nearest verb or option to the first word that is
+// neither, when one is near.
+void Suggest(const CommandLine& line, int argc, const char* const* argv, std::ostream& err) {
+  std::vector<std::string> verbNames;
+  for (const Verb& verb : Verbs()) verbNames.push_back(verb.name);
+  const std::vector<std::string> options = line.KnownOptions();
+  bool verbSeen = false;
+  for (int i = 1; i < argc; ++i) {
+    std::string word = argv[i];
+    if (word.compare(0, 2, "--") == 0) {
+      word = word.substr(0, word.find('='));
+      if (std::find(options.begin(), options.end(), word) != options.end()) {
+        if ((word == "--root" || word == "--log-dir" || word == "--call-type" ||
+             word == "--edited") &&
+            std::string(argv[i]).find('=') == std::string::npos)
+          ++i;  // its value
+        continue;
+      }
+      const std::string near = Nearest(word, options);
+      if (!near.empty()) err << "cmcfg: did you mean " << near << "?\n";
+      return;
+    }
+    if (verbSeen) continue;
+    if (std::find(verbNames.begin(), verbNames.end(), word) != verbNames.end()) {
+      verbSeen = true;
+      continue;
+    }
+    const std::string near = Nearest(word, verbNames);
+    if (!near.empty()) err << "cmcfg: did you mean " << near << "?\n";
+    return;
+  }
+}
+
+int Run(const CommandLine& line, std::ostream& out, std::ostream& err) {
+  for (const auto& verb : line.verbs) {
+    if (!*verb.first) continue;
+    const size_t given = line.invocation.operands.size();
+    if (given < verb.second->minOperands || given > verb.second->maxOperands) {
+      err << "cmcfg " << verb.second->name << ": expected " << verb.second->operands
+          << "\nRun 'cmcfg " << verb.second->name << " --help' for more.\n";
+      return kUsage;
+    }
+    const int status = verb.second->run(line.invocation, out, err);
+    // Output that did not arrive must not pass for a complete one.
+    if (!out.flush()) {
+      err << "cmcfg: cannot write the output\n";
+      return status == kUsage ? kUsage : kFindings;
+    }
+    return status;
+  }
+  return kUsage;
+}
 
 void CollectUndescribed(const CLI::App& app, const std::string& verb,
                         std::vector<std::string>* missing) {
   for (const CLI::Option* option : app.get_options())
     if (option->get_description().empty()) missing->push_back(verb + " " + option->get_name());
   for (const CLI::App* sub : app.get_subcommands([](const CLI::App*) { return true; })) {
-    // An option group has no name; its options count as the verb's.
-    const std::string name = sub->get_name().empty() ? verb : sub->get_name();
-    if (sub->get_description().empty()) missing->push_back(name);
-    CollectUndescribed(*sub, name, missing);
+    if (sub->get_description().empty()) missing->push_back(sub->get_name());
+    CollectUndescribed(*sub, sub->get_name(), missing);
   }
 }
 
 }  // namespace
 
 int RunCommandLine(int argc, const char* const* argv, std::ostream& out, std::ostream& err) {
-  CLI::App app{kToolDescription, "cmcfg"};  // not argv[0]: usage lines name the tool as typed
-  Verbs verbs(&app);
+  CommandLine line;
   try {
-    app.parse(argc, argv);
+    line.app.parse(argc, argv);
+  } catch (const CLI::Success& e) {  // --help, --version
+    line.app.exit(e, out, err);
+    return kOk;
   } catch (const CLI::ParseError& e) {
-    return app.exit(e, out, err);
+    line.app.exit(e, out, err);
+    Suggest(line, argc, argv, err);
+    return kUsage;
   }
-  return verbs.Run(out, err);
+  try {
+    return Run(line, out, err);
+  } catch (const std::exception& e) {
+    // Caught so that the scratch folders are removed on the way out.
+    err << "cmcfg: " << e.what() << "\n";
+    return kFindings;
+  }
 }
 
 std::vector<std::string> UndescribedParts() {
-  CLI::App app{kToolDescription, "cmcfg"};
-  Verbs verbs(&app);
+  CommandLine line;
   std::vector<std::string> missing;
-  if (app.get_description().empty()) missing.push_back("");
-  CollectUndescribed(app, "", &missing);
+  if (line.app.get_description().empty()) missing.push_back("");
+  CollectUndescribed(line.app, "", &missing);
   return missing;
 }
 

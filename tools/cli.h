@@ -8,8 +8,9 @@
 namespace cmcfg_tool {
 
 // The whole command line of "cmcfg": parses argv (argv[0] is the program),
-// runs the verb and gives the exit status. Help and --version go to out
-// (status 0); usage errors go to err with CLI11's status (100 and up).
+// runs the verb and gives the exit status (tools/verb.h: 0, 1 or 2). Help
+// and --version go to out (status 0); a usage error goes to err, with the
+// nearest verb or option when one is near (status 2).
 int RunCommandLine(int argc, const char* const* argv, std::ostream& out, std::ostream& err);
 
 // Every verb, option group and option of the command line that has no help

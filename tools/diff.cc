@@ -2,13 +2,17 @@
 
 #include <algorithm>
 #include <map>
+#include <memory>
 #include <unordered_map>
 #include <utility>
 #include <ostream>
 
 #include "cmcfg/cm_agent.h"
-#include "tools/dump.h"
+#include "tools/document.h"
+#include "tools/file_compare.h"
+#include "tools/held_dump.h"
 #include "tools/session.h"
+#include "tools/shadow_root.h"
 
 namespace cmcfg_tool {
 namespace {
@@ -159,33 +163,6 @@ class Differ {
 
 }  // namespace
 
-namespace {
-
-// Paths under the root are compared relative to it.
-void RelativeToRoot(ordered_json* value, const std::string& root) {
-  if (value->is_structured()) {
-    for (ordered_json& item : *value) RelativeToRoot(&item, root);
-  } else if (value->is_string() && !root.empty()) {
-    const std::string& text = value->get_ref<const std::string&>();
-    if (text.compare(0, root.size(), root) == 0) *value = "ROOT/" + text.substr(root.size());
-  }
-}
-
-}  // namespace
-
-void StabiliseDump(ordered_json* dump, const std::string& root) {
-  RelativeToRoot(dump, root);
-  if (!dump->contains("extensions")) return;
-  for (ordered_json& e : (*dump)["extensions"]) {
-    if (!e.contains("sip") || !e["sip"].contains("user") || !e["sip"]["user"].is_string()) continue;
-    std::string user = e["sip"]["user"].get<std::string>();
-    user.erase(std::remove_if(user.begin(), user.end(),
-                              [](char c) { return c >= '0' && c <= '9'; }),
-               user.end());
-    e["sip"]["user"] = user;
-  }
-}
-
 std::vector<std::string> DiffDumps(const ordered_json& a, const ordered_json& b) {
   std::vector<std::string> lines;
   Differ(&lines).Compare("", "", a, b);
@@ -194,29 +171,10 @@ std::vector<std::string> DiffDumps(const ordered_json& a, const ordered_json& b)
 
 namespace {
 
-// One root's dump as diff holds it: the records of the two long arrays as
-// one-line texts (stabilised; most are equal, and a text compares fast and
-// takes a tenth of a document's memory), the rest as a document.
-struct HeldDump {
-  ordered_json rest;
-  // By array: each record's identity ("name") and text, in order.
-  std::map<std::string, std::vector<std::pair<std::string, std::string>>> records;
-};
-
-HeldDump Hold(const CMAgent& agent, const std::string& root) {
-  HeldDump held;
-  held.rest = DumpJsonByRecord(agent, [&](const std::string& array, ordered_json record) {
-    ordered_json one = ordered_json::object();  // built in place: a braced list would copy
-    one[array] = ordered_json::array();
-    one[array].push_back(std::move(record));
-    StabiliseDump(&one, root);
-    const ordered_json& stable = one[array][0];
-    held.records[array].emplace_back(ScalarText(stable.value("name", ordered_json())),
-                                     stable.dump(-1, ' ', false,
-                                                 ordered_json::error_handler_t::replace));
-  });
-  StabiliseDump(&held.rest, root);
-  return held;
+// Loads `root` and hands its document to `held`.
+void Hold(const std::string& root, const std::string& logDir, std::ostream& err, HeldDump* held) {
+  AgentSession session(root, logDir, Access::kInspect, &err);
+  ProduceDocument(session.agent(), root, Detail::kFull, *held);
 }
 
 ordered_json Parsed(const std::string& array, const std::string& text) {
@@ -226,41 +184,36 @@ ordered_json Parsed(const std::string& array, const std::string& text) {
 // The lines of one array, as DiffDumps gives them for the whole documents.
 void DiffRecords(const std::string& array, const HeldDump& a, const HeldDump& b,
                  std::vector<std::string>* lines) {
-  static const std::vector<std::pair<std::string, std::string>> kNone;
-  auto inA = a.records.find(array), inB = b.records.find(array);
-  const auto& recordsA = inA == a.records.end() ? kNone : inA->second;
-  const auto& recordsB = inB == b.records.end() ? kNone : inB->second;
+  const std::vector<HeldDump::Stored>& recordsA = a.records(array);
+  const std::vector<HeldDump::Stored>& recordsB = b.records(array);
   std::unordered_map<std::string, size_t> byNameA, byNameB;
   bool unique = true;
   for (size_t i = 0; i < recordsA.size(); ++i)
-    unique = byNameA.emplace(recordsA[i].first, i).second && unique;
+    unique = byNameA.emplace(recordsA[i].name, i).second && unique;
   for (size_t i = 0; i < recordsB.size(); ++i)
-    unique = byNameB.emplace(recordsB[i].first, i).second && unique;
+    unique = byNameB.emplace(recordsB[i].name, i).second && unique;
   if (!unique) {  // compared as whole lists, as DiffDumps does
     ordered_json listA = {{array, ordered_json::array()}}, listB = listA;
-    for (const auto& record : recordsA) listA[array].push_back(ordered_json::parse(record.second));
-    for (const auto& record : recordsB) listB[array].push_back(ordered_json::parse(record.second));
+    for (const auto& record : recordsA) listA[array].push_back(ordered_json::parse(a.Text(record)));
+    for (const auto& record : recordsB) listB[array].push_back(ordered_json::parse(b.Text(record)));
     for (std::string& line : DiffDumps(listA, listB)) lines->push_back(std::move(line));
     return;
   }
   // Removed and changed records in A's order, then the added ones: the
   // lines name them as DiffDumps does.
   const ordered_json emptyList = {{array, ordered_json::array()}};
+  const auto append = [&](const ordered_json& from, const ordered_json& to) {
+    for (std::string& line : DiffDumps(from, to)) lines->push_back(std::move(line));
+  };
   for (const auto& record : recordsA) {
-    auto other = byNameB.find(record.first);
-    if (other == byNameB.end()) {
-      for (std::string& line : DiffDumps(Parsed(array, record.second), emptyList))
-        lines->push_back(std::move(line));
-    } else if (record.second != recordsB[other->second].second) {
-      for (std::string& line : DiffDumps(Parsed(array, record.second),
-                                         Parsed(array, recordsB[other->second].second)))
-        lines->push_back(std::move(line));
-    }
+    auto other = byNameB.find(record.name);
+    if (other == byNameB.end())
+      append(Parsed(array, a.Text(record)), emptyList);
+    else if (!a.Same(record, b, recordsB[other->second]))
+      append(Parsed(array, a.Text(record)), Parsed(array, b.Text(recordsB[other->second])));
   }
   for (const auto& record : recordsB)
-    if (byNameA.count(record.first) == 0)
-      for (std::string& line : DiffDumps(emptyList, Parsed(array, record.second)))
-        lines->push_back(std::move(line));
+    if (byNameA.count(record.name) == 0) append(emptyList, Parsed(array, b.Text(record)));
 }
 
 // The member `key` alone, or the document without the keys of `drop`.
@@ -277,29 +230,31 @@ ordered_json Without(ordered_json doc, std::initializer_list<const char*> drop) 
 
 }  // namespace
 
-int RunDiff(const DiffOptions& options, std::ostream& out, std::ostream& err) {
-  const std::string rootA = ResolveRoot(options.rootA);
-  const std::string rootB = ResolveRoot(options.rootB);
-  if (!RootIsUsable(rootA, err) || !RootIsUsable(rootB, err)) return 2;
+int RunDiff(const Invocation& invocation, std::ostream& out, std::ostream& err) {
+  const std::string roots[2] = {ResolveRoot(invocation.operands.at(0)),
+                                ResolveRoot(invocation.operands.at(1))};
+  if (!RootIsUsable(roots[0], err) || !RootIsUsable(roots[1], err)) return kUsage;
+  // The files first: the records are built only where they differ.
+  const FileComparison files = CompareFiles(roots[0], roots[1]);
+  if (files.same) return kOk;
   HeldDump held[2];
-  const std::string roots[2] = {rootA, rootB};
-  // One log for both loads, and out of both roots when run inside either.
-  const std::string logDir = InspectionLogDir(rootA, InspectionLogDir(rootB, options.logDir));
   for (int i = 0; i < 2; ++i) {
     // One agent at a time: each load points ORBA_PATH at its own root.
-    AgentSession session(roots[i], logDir, Access::kInspect, &err);
-    held[i] = Hold(session.agent(), roots[i]);
+    std::unique_ptr<ShadowRoot> shadow;
+    if (files.onlyExtensions) shadow = std::make_unique<ShadowRoot>(roots[i], files.extensions);
+    const bool shadowed = shadow != nullptr && !shadow->path().empty();
+    Hold(shadowed ? shadow->path() : roots[i], invocation.logDir, err, &held[i]);
   }
   // In the dump's order: the table, its records, the attendants, the rest.
   std::vector<std::string> lines =
-      DiffDumps(Only(held[0].rest, "extension_table"), Only(held[1].rest, "extension_table"));
+      DiffDumps(Only(held[0].rest(), "extension_table"), Only(held[1].rest(), "extension_table"));
   DiffRecords("extensions", held[0], held[1], &lines);
   DiffRecords("attendants", held[0], held[1], &lines);
   const auto drop = {"extension_table", "extensions", "attendants"};
-  for (std::string& line : DiffDumps(Without(held[0].rest, drop), Without(held[1].rest, drop)))
+  for (std::string& line : DiffDumps(Without(held[0].rest(), drop), Without(held[1].rest(), drop)))
     lines.push_back(std::move(line));
   for (const std::string& line : lines) out << line << "\n";
-  return lines.empty() ? 0 : 1;
+  return lines.empty() ? kOk : kFindings;
 }
 
 }  // namespace cmcfg_tool

@@ -2,7 +2,6 @@
 
 #include <cstdio>
 #include <iterator>
-#include <vector>
 
 namespace cmcfg_tool {
 
@@ -118,36 +117,6 @@ std::string DestinationText(const ForwardParams& destination) {
       return destination.userName.empty() ? "PSTN trunk" : "PSTN " + destination.userName;
     default: return CallTypeName(destination.callType) + " " + destination.userName;
   }
-}
-
-nlohmann::json CodecJson(const std::list<CodecInfo>& codecs) {
-  nlohmann::json list = nlohmann::json::array();
-  for (const CodecInfo& c : codecs)
-    list.push_back({{"name", c.name},
-                    {"rtp", c.rtpCodec},
-                    {"dsp", c.dspCodec},
-                    {"rate", c.samplingRate},
-                    {"flags", c.flags}});
-  return list;
-}
-
-nlohmann::json FaxRelayJson(const std::list<FaxCodecInfo>& codecs) {
-  nlohmann::json list = nlohmann::json::array();
-  for (const FaxCodecInfo& c : codecs)
-    list.push_back(std::vector<uint32_t>(std::begin(c.values), std::end(c.values)));
-  return list;
-}
-
-nlohmann::json SipJson(const std::string& user, const std::string& host, const std::string& port) {
-  return {{"user", user}, {"host", host}, {"port", port}};
-}
-
-nlohmann::json DestinationJson(const ForwardParams& destination) {
-  return {{"type", CallTypeName(destination.callType)},
-          {"user", destination.userName},
-          {"host", destination.host},
-          {"port", destination.port},
-          {"text", DestinationText(destination)}};
 }
 
 nlohmann::json EndpointJson(const std::string& text) {

@@ -53,14 +53,6 @@ std::string HexText(uint32_t value);
 // (a SIP one as user@host:port); a PSTN one without a number is the trunk.
 std::string DestinationText(const ForwardParams& destination);
 
-// Codecs as objects {"name","rtp","dsp","rate","flags"}, in list order.
-nlohmann::json CodecJson(const std::list<CodecInfo>& codecs);
-// Fax relay encodings, each as its eleven values.
-nlohmann::json FaxRelayJson(const std::list<FaxCodecInfo>& codecs);
-// {"user","host","port"}.
-nlohmann::json SipJson(const std::string& user, const std::string& host, const std::string& port);
-// {"type","user","host","port","text"} with the text as DestinationText.
-nlohmann::json DestinationJson(const ForwardParams& destination);
 // The endpoint text, or null when unbound.
 nlohmann::json EndpointJson(const std::string& text);
 

@@ -4,10 +4,10 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <filesystem>
 #include <iostream>
 #include <utility>
 
-#include "tools/dump.h"
 
 namespace cmcfg_tool {
 
@@ -17,6 +17,23 @@ constexpr char kErase[] = "\r\033[K";
 
 // A load that ends sooner is not worth a line that flickers.
 constexpr std::chrono::milliseconds kLoadDelay{500};
+
+// The number of extension and attendant files under the root's extension
+// database, "1,234" style.
+std::string ExtensionFileCount(const std::string& root) {
+  namespace fs = std::filesystem;
+  size_t count = 0;
+  std::error_code error;
+  fs::recursive_directory_iterator it(root + "telephony/extensiondb", error), end;
+  for (; !error && it != end; it.increment(error))
+    if (it->path().extension() == ".cfg" && it->path().filename() != "system.cfg") ++count;
+  std::string digits = std::to_string(count), text;
+  for (size_t i = 0; i < digits.size(); ++i) {
+    if (i != 0 && (digits.size() - i) % 3 == 0) text += ',';
+    text += digits[i];
+  }
+  return text;
+}
 
 void WriteToStderr(const std::string& text) {
   size_t done = 0;

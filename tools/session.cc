@@ -6,16 +6,23 @@
 
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <ostream>
+#include <vector>
 
 namespace cmcfg_tool {
+namespace {
+
+bool EnvSet(const char* name) {
+  const char* value = getenv(name);
+  return value != nullptr && *value != '\0';
+}
+
+}  // namespace
 
 std::string ResolveRoot(const std::string& explicitRoot) {
   std::string root = explicitRoot;
-  if (root.empty()) {
-    const char* env = getenv("ORBA_PATH");
-    root = env && *env ? env : "/etc/orba-conf/";
-  }
+  if (root.empty()) root = EnvSet("ORBA_PATH") ? getenv("ORBA_PATH") : "/etc/orba-conf/";
   if (root.back() != '/') root += '/';
   return root;
 }
@@ -25,6 +32,9 @@ std::string CheckRoot(const std::string& root) {
   if (stat(root.c_str(), &st) != 0) return strerror(errno);
   if (!S_ISDIR(st.st_mode)) return "not a directory";
   if (access(root.c_str(), R_OK | X_OK) != 0) return strerror(errno);
+  const std::string telephony = root + "telephony";
+  if (stat(telephony.c_str(), &st) != 0 || !S_ISDIR(st.st_mode))
+    return "not a configuration root (no telephony/ folder)";
   return "";
 }
 
@@ -47,37 +57,28 @@ ScopedEnv::~ScopedEnv() {
     unsetenv(name_);
 }
 
-bool IsInside(const std::string& dir, const std::string& root) {
-  char* resolvedDir = realpath(dir.c_str(), nullptr);
-  char* resolvedRoot = realpath(root.c_str(), nullptr);
-  bool inside = false;
-  if (resolvedDir != nullptr && resolvedRoot != nullptr) {
-    const std::string d = resolvedDir, r = resolvedRoot;
-    inside = r == "/" || d == r || d.compare(0, r.size() + 1, r + "/") == 0;
-  }
-  free(resolvedDir);
-  free(resolvedRoot);
-  return inside;
+ScratchDir::ScratchDir() {
+  std::string base = EnvSet("TMPDIR") ? getenv("TMPDIR") : "/tmp";
+  if (base.back() != '/') base += '/';
+  std::string pattern = base + "cmcfg.XXXXXX";
+  std::vector<char> buffer(pattern.begin(), pattern.end());
+  buffer.push_back('\0');
+  if (mkdtemp(buffer.data()) != nullptr) path_ = std::string(buffer.data()) + "/";
 }
 
-std::string InspectionLogDir(const std::string& root, const std::string& logDir) {
-  if (!logDir.empty()) return logDir;  // asked for: the user's choice
-  const char* envDir = getenv("CMCFG_LOG_DIR");
-  if (envDir != nullptr && *envDir != '\0') return "";
-  if (!IsInside(".", root)) return "";
-  // Looking must not leave a log in what is looked at.
-  const char* tmp = getenv("TMPDIR");
-  std::string dir = tmp != nullptr && *tmp != '\0' ? tmp : "/tmp";
-  if (dir.back() != '/') dir += '/';
-  return dir;
+ScratchDir::~ScratchDir() {
+  if (path_.empty()) return;
+  std::error_code ignored;
+  std::filesystem::remove_all(path_, ignored);
 }
 
 AgentSession::AgentSession(const std::string& root, const std::string& logDir, Access access,
                            std::ostream* progressTo)
     : readOnly_(access == Access::kInspect ? std::make_unique<cfg::ReadOnlyScope>() : nullptr),
+      scratchLog_(logDir.empty() && !EnvSet("CMCFG_LOG_DIR") ? std::make_unique<ScratchDir>()
+                                                             : nullptr),
       root_("ORBA_PATH", root),
-      logDir_("CMCFG_LOG_DIR",
-              access == Access::kInspect ? InspectionLogDir(root, logDir) : logDir),
+      logDir_("CMCFG_LOG_DIR", scratchLog_ ? scratchLog_->path() : logDir),
       progress_(progressTo ? LoadProgressOnTerminal(root, *progressTo) : nullptr) {
   progress_.reset();
   // The call manager drops the load-time managers at once; so do we, so

@@ -15,7 +15,8 @@ namespace cmcfg_tool {
 // without a separator): explicitRoot, else "ORBA_PATH", else
 // "/etc/orba-conf/".
 std::string ResolveRoot(const std::string& explicitRoot);
-// "" when the root is a folder we can read, else why not.
+// "" when the root is a folder we can read that holds "telephony/", else
+// why not.
 std::string CheckRoot(const std::string& root);
 // True when the root is usable; else false after one line on err:
 // "cmcfg: cannot read the configuration root ROOT: WHY".
@@ -36,31 +37,35 @@ class ScopedEnv {
   bool had_ = false;
 };
 
+// A private folder under $TMPDIR (else /tmp), removed with everything in
+// it when the object goes; path() is "" when it could not be made.
+class ScratchDir {
+ public:
+  ScratchDir();
+  ~ScratchDir();
+  ScratchDir(const ScratchDir&) = delete;
+  ScratchDir& operator=(const ScratchDir&) = delete;
+  // Ends in "/" unless empty.
+  const std::string& path() const { return path_; }
+
+ private:
+  std::string path_;
+};
+
 // What a session may do to its root.
 enum class Access {
   kWriteBack,  // as the call manager: the load writes what it always writes
   kInspect,    // the store's read-only mode for the whole session
 };
 
-// True when the folder `dir` is `root` or below it (both resolved through
-// symbolic links); false when either cannot be resolved.
-bool IsInside(const std::string& dir, const std::string& root);
-
-// The log folder of an inspection of `root`: logDir when given; else ""
-// (meaning $CMCFG_LOG_DIR, else the current directory) unless the log would
-// then land in the root, that is $CMCFG_LOG_DIR is unset and the current
-// directory is inside the root: then $TMPDIR, else "/tmp/".
-std::string InspectionLogDir(const std::string& root, const std::string& logDir);
-
 // An agent loaded over `root` exactly as the call manager loads it
-// (construction, then Destroy), with its log in logDir ("" : $CMCFG_LOG_DIR,
-// else the current directory). The records of its tables are released with
-// the session. With Access::kInspect the store is read-only until the
-// session ends (nothing is written into the root; what the agent would
-// have saved it still holds) and the log folder is InspectionLogDir's.
-// With progressTo, a progress line goes to it while the load runs (see
-// LoadProgressOnTerminal). Sessions run one at a time (they set process
-// environment variables).
+// (construction, then Destroy). Its log goes to logDir when given, else to
+// $CMCFG_LOG_DIR when set, else to a scratch folder removed with the
+// session: a run leaves no log behind unless asked. The records of its
+// tables are released with the session. With Access::kInspect the store is
+// read-only until the session ends. With progressTo, a progress line goes
+// to it while the load runs (see LoadProgressOnTerminal). Sessions run one
+// at a time (they set process environment variables).
 class AgentSession {
  public:
   AgentSession(const std::string& root, const std::string& logDir,
@@ -73,8 +78,10 @@ class AgentSession {
   CMAgent& agent() { return agent_; }
 
  private:
-  // Declared before the agent: the mode and the variables outlive it.
+  // Declared before the agent: the mode, the folder and the variables
+  // outlive it.
   std::unique_ptr<cfg::ReadOnlyScope> readOnly_;
+  std::unique_ptr<ScratchDir> scratchLog_;
   ScopedEnv root_;
   ScopedEnv logDir_;
   std::unique_ptr<ProgressLine> progress_;  // until the load is done

@@ -1,89 +1,50 @@
 #ifndef CMCFG_TOOLS_WRITE_BACK_H_
 #define CMCFG_TOOLS_WRITE_BACK_H_
 
-// The verbs that drive the agent's write-back operations on a root, so
-// that an engineer can reproduce what a telephone or the web configuration
-// made the call manager do. Each loads the agent as "show" does, calls one
-// operation on the loaded record, and prints the affected data before and
-// after the call as the record holds it.
+// The verbs that change an extension's file as a telephone or the web
+// configuration does, and have the agent take the change, so that an
+// engineer can make or reproduce it. Each checks its values with the
+// store's own rules before anything is loaded (kFindings and the message
+// when one is refused), loads the agent over the root, makes the change
+// and prints what it changed, before and after. With --dry-run the change
+// is made on a scratch copy of what the extension needs and the unified
+// diff of its file is printed; nothing in the root is written.
 //
-// Exit statuses shared by all of them: 0 done (or nothing to do), 1 the
-// extension is unknown, an edited file could not be put in place or the
-// operation failed (one message on err), 2 the root is not usable.
+// Statuses: kOk done, or nothing to change (said on out); kFindings no such
+// extension, a refused value, or the change could not be stored (whatever
+// the agent's operation gave; why on err); kUsage a wrong operand or a root
+// that is not usable.
 
 #include <iosfwd>
-#include <string>
 
-#include "cmcfg/types.h"
-#include "cmcfg/update_type_codes.h"
+#include "tools/verb.h"
 
 namespace cmcfg_tool {
 
-// What every write-back verb is given.
-struct TargetOptions {
-  std::string name;    // the extension, looked up in extensionBase
-  std::string root;    // "" : "ORBA_PATH", else the built-in default
-  std::string logDir;  // "" : relative logs go to the current directory
-};
+// "forward EXT on|off|toggle|clear|set NUMBER [--replace]": the any-caller
+// contact's unconditional forward. on/off set its flag (SwitchForwardService
+// when it differs), toggle flips it, set and clear set and remove the
+// number dialled from the phone (UpdateForwardService).
+int RunForward(const Invocation& invocation, std::ostream& out, std::ostream& err);
 
-enum class ForwardAction { kOn, kOff, kToggle };
+// "block EXT NUMBER [--outgoing] [--call-type T]": BlockContact.
+int RunBlock(const Invocation& invocation, std::ostream& out, std::ostream& err);
 
-// "cmcfg forward EXT on NUMBER [--replace] | off | toggle".
-struct ForwardOptions : TargetOptions {
-  ForwardAction action = ForwardAction::kToggle;
-  std::string number;    // kOn only
-  bool replace = false;  // kOn only
-};
+// "unblock EXT NUMBER [--outgoing] [--call-type T]": switches the contact's
+// blocking off in the file, then UpdateSupServices re-reads it.
+int RunUnblock(const Invocation& invocation, std::ostream& out, std::ostream& err);
 
-// "cmcfg block EXT NUMBER --incoming|--outgoing [--call-type T]".
-struct BlockOptions : TargetOptions {
-  std::string number;
-  bool incoming = true;  // false: the outgoing black list
-  CallType callType = kCallNumber;
-};
+// "contact EXT add NAME | change ID NAME | erase ID [--call-type T]": writes
+// the contact's section into the file (erase: removes it and its services),
+// then UpdateContact has the agent re-read it. With --edited FILE, FILE
+// replaces the extension's file instead (after passing check), and the
+// operands name the contact's ID: "contact EXT add ID --edited FILE".
+int RunContact(const Invocation& invocation, std::ostream& out, std::ostream& err);
 
-// "cmcfg contact EXT add|change|erase IDS".
-struct ContactOptions : TargetOptions {
-  UpdateTypeCodes::UpdateTypeMode mode = UpdateTypeCodes::kModeAdd;
-  std::string ids;  // comma-separated contact identifiers, handed over as typed
-  // "" or a file put in place of the extension's file after the load and
-  // before the call, as the web configuration saves it.
-  std::string edited;
-};
-
-// "cmcfg port GATEWAY LINE".
-struct PortOptions {
-  std::string root;
-  std::string logDir;
-  unsigned long gatewayId = 0;
-  unsigned long lineId = 0;
-  // "" or a file put in place of telephony/linedb after the load and
-  // before the call.
-  std::string edited;
-};
-
-// on: UpdateForwardService(ext, number, true, replace); off:
-// UpdateForwardService(ext, "", false, false); toggle: SwitchForwardService.
-// Prints the any-caller contact's unconditional forward (flag, text,
-// destinations) before and after. 1 when the operation gives false.
-int RunForward(const ForwardOptions& options, std::ostream& out, std::ostream& err);
-
-// BlockContact. Prints the contact's blocking before and after; "already
-// blocked" (status 0) when nothing was stored; 1 on the operation's failure.
-int RunBlock(const BlockOptions& options, std::ostream& out, std::ostream& err);
-
-// UpdateContact, after putting options.edited in place when given (a load
-// already holds what the files say, so only an edit made after it shows
-// in the book). Prints the address book (name, call type, id) before and
-// after; 1 when the operation stops at an unknown identifier (the message
-// names it and which identifiers were applied) or cannot read the file.
-int RunContact(const ContactOptions& options, std::ostream& out, std::ostream& err);
-
-// UpdateFxsData under LockBase, after putting options.edited in place of
-// the line database when given. Prints each loaded extension whose local
-// binding changed, before and after; 1 (after printing any change) when the
-// operation gives false.
-int RunPort(const PortOptions& options, std::ostream& out, std::ostream& err);
+// "port GATEWAY LINE [--edited FILE]": UpdateFxsData under LockBase, after
+// FILE (checked first) replaced the line database. Prints each extension
+// whose binding changed.
+int RunPort(const Invocation& invocation, std::ostream& out, std::ostream& err);
 
 }  // namespace cmcfg_tool
 

@@ -23,10 +23,12 @@ namespace cfg {
 template <typename Owner>
 struct Field {
   using Member =
-      std::variant<int32_t Owner::*, uint32_t Owner::*, uint16_t Owner::*, std::string Owner::*,
+      std::variant<int32_t Owner::*, uint32_t Owner::*, uint16_t Owner::*, uint8_t Owner::*,
+                   std::string Owner::*,
                    std::list<std::string> Owner::*, std::vector<unsigned long> Owner::*>;
   const char* key;
   Member member;
+  const Domain* domain = nullptr;  // the values that work, published to checkers
 };
 
 // Reads one field from its entry's text; a text that does not parse leaves
@@ -85,7 +87,9 @@ KeyRule FieldRule(const Field<Owner>& field) {
   return std::visit(
       [&](auto member) {
         using T = std::remove_reference_t<decltype(std::declval<Owner&>().*member)>;
-        return RuleFor<T>(field.key);
+        KeyRule rule = RuleFor<T>(field.key);
+        rule.domain = field.domain;
+        return rule;
       },
       field.member);
 }

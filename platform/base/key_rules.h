@@ -15,6 +15,28 @@
 
 namespace cfg {
 
+// The values of a key that mean something to the exchange: numbers from
+// `min` to `max`, or one of `choices`. The reader still reads a value
+// outside its domain as written, but it cannot work (a port of 99999, a
+// transport "sctpx"), so checkers report it. Docs list each domain beside
+// its key.
+struct Domain {
+  long long min = 0;
+  long long max = 0;
+  const char* choices = nullptr;  // "udp,tcp,tls"; nullptr for a range
+  const char* text = "";          // for messages: "a port from 1 to 65535"
+};
+
+// The domains the readers use.
+extern const Domain kPortDomain;      // 1 to 65535
+extern const Domain kFlagDomain;      // 0 or 1
+extern const Domain kCountDomain;     // 0 and up: counts, seconds, milliseconds
+extern const Domain kTransportDomain;  // udp, tcp, tls
+
+// True when `value` lies in `domain`; an empty value (the default) always
+// does.
+bool InDomain(const Domain& domain, std::string_view value);
+
 // How a reader of the store takes one key of a section: which values it
 // uses and what it does with the others. The readers publish their rules
 // beside their tables, so that a checker reports exactly what the store
@@ -26,6 +48,7 @@ struct KeyRule {
   std::function<bool(std::string_view)> accepts;
   const char* expected = "";  // what a used value is, for messages ("a number")
   const char* fallback = "";  // what happens to another ("the default is kept")
+  const Domain* domain = nullptr;  // the values that work, when the reader knows
 };
 
 using KeyRules = std::vector<KeyRule>;
@@ -60,6 +83,7 @@ KeyRule RuleFor(std::string key) {
     if constexpr (std::is_same_v<T, int32_t>) rule.expected = "a number";
     if constexpr (std::is_same_v<T, uint32_t>) rule.expected = "a number from 0 to 4294967295";
     if constexpr (std::is_same_v<T, uint16_t>) rule.expected = "a number from 0 to 65535";
+    if constexpr (std::is_same_v<T, uint8_t>) rule.expected = "a number from 0 to 255";
     if constexpr (std::is_same_v<T, std::vector<unsigned long>>)
       rule.expected = "a list of numbers";
     return rule;

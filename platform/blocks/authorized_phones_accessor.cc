@@ -1,26 +1,32 @@
 #include "platform/blocks/authorized_phones_accessor.h"
 
+#include "platform/base/field_table.h"
 #include "platform/blocks/accessor_instance.h"
 
+namespace {
+
+// The keys of a block's section: read, written and published from here.
+const cfg::Field<AuthorizedPhoneBlock> kAuthorizedPhoneBlockFields[] = {
+    {"phone_address", &AuthorizedPhoneBlock::phoneAddress},
+    {"extension", &AuthorizedPhoneBlock::extension},
+    {"phone_type", &AuthorizedPhoneBlock::phoneType},
+    {"line_count", &AuthorizedPhoneBlock::lineCount},
+    {"user_name", &AuthorizedPhoneBlock::userName},
+    {"permissions", &AuthorizedPhoneBlock::permissions},
+    {"login_time", &AuthorizedPhoneBlock::loginTime},
+};
+
+}  // namespace
+
 void AuthorizedPhoneBlock::Read(const cfg::Section& section) {
-  blocks::ReadKey(section, "phone_address", &phoneAddress);
-  blocks::ReadKey(section, "extension", &extension);
-  blocks::ReadKey(section, "phone_type", &phoneType);
-  blocks::ReadKey(section, "line_count", &lineCount);
-  blocks::ReadKey(section, "user_name", &userName);
-  blocks::ReadKey(section, "permissions", &permissions);
-  blocks::ReadKey(section, "login_time", &loginTime);
+  cfg::ReadFields(section, kAuthorizedPhoneBlockFields, this);
   name = phoneAddress;
 }
 
 void AuthorizedPhoneBlock::Write(cfg::Document& doc, cfg::Section& section) const {
-  blocks::WriteKey(doc, section, "phone_address", phoneAddress);
-  blocks::WriteKey(doc, section, "extension", extension);
-  blocks::WriteKey(doc, section, "phone_type", phoneType);
-  blocks::WriteKey(doc, section, "line_count", lineCount);
-  blocks::WriteKey(doc, section, "user_name", userName);
-  blocks::WriteKey(doc, section, "permissions", permissions);
-  blocks::WriteKey(doc, section, "login_time", loginTime);
+  cfg::WriteFields(*this, kAuthorizedPhoneBlockFields, &doc, &section);
 }
+
+cfg::KeyRules AuthorizedPhoneBlock::KeyRules() { return cfg::FieldRules(kAuthorizedPhoneBlockFields); }
 
 template class SharedAccessor<AuthorizedPhonesAccessor>;

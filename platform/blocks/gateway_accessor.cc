@@ -1,17 +1,27 @@
 #include "platform/blocks/gateway_accessor.h"
 
+#include "platform/base/field_table.h"
 #include "platform/blocks/accessor_instance.h"
 
+namespace {
+
+// The keys of a block's section: read, written and published from here.
+const cfg::Field<GatewayBlock> kGatewayBlockFields[] = {
+    {"name", &GatewayBlock::name},
+    {"type", &GatewayBlock::type},
+    {"address", &GatewayBlock::address},
+};
+
+}  // namespace
+
 void GatewayBlock::Read(const cfg::Section& section) {
-  blocks::ReadKey(section, "name", &name);
-  blocks::ReadKey(section, "type", &type);
-  blocks::ReadKey(section, "address", &address);
+  cfg::ReadFields(section, kGatewayBlockFields, this);
 }
 
 void GatewayBlock::Write(cfg::Document& doc, cfg::Section& section) const {
-  blocks::WriteKey(doc, section, "name", name);
-  blocks::WriteKey(doc, section, "type", type);
-  blocks::WriteKey(doc, section, "address", address);
+  cfg::WriteFields(*this, kGatewayBlockFields, &doc, &section);
 }
+
+cfg::KeyRules GatewayBlock::KeyRules() { return cfg::FieldRules(kGatewayBlockFields); }
 
 template class SharedAccessor<GatewayAccessor>;

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "platform/base/document.h"
+#include "platform/base/key_rules.h"
 #include "platform/blocks/blocks_accessor_base.h"
 #include "platform/blocks/shared_accessor.h"
 
@@ -21,6 +22,8 @@ struct GatewayBlock {
   bool IsRemote() const { return type == kRemoteMediaGateway; }
   void Read(const cfg::Section& section);
   void Write(cfg::Document& doc, cfg::Section& section) const;
+  // The keys Read takes and how, for checkers.
+  static cfg::KeyRules KeyRules();
 };
 
 // The media gateways. One shared, reference-counted instance per process

@@ -2,6 +2,8 @@
 #define CMCFG_PLATFORM_BLOCKS_RING_PATTERN_PARAMS_H_
 
 #include <string>
+
+#include "platform/base/key_rules.h"
 #include <vector>
 
 #include "platform/base/document.h"
@@ -17,6 +19,8 @@ struct RingPatternBlock {
 
   void Read(const cfg::Section& section);
   void Write(cfg::Document& doc, cfg::Section& section) const;
+  // The keys Read takes and how, for checkers.
+  static cfg::KeyRules KeyRules();
 };
 
 // The named ring patterns. Shared instance and thread rule as

@@ -1,18 +1,30 @@
 #include "platform/blocks/tos_params_accessor.h"
 
+#include "platform/base/field_table.h"
 #include "platform/blocks/accessor_instance.h"
 
+namespace {
+
+// The keys of a block's section: read, written and published from here.
+const cfg::Field<TosBlock> kTosBlockFields[] = {
+    {"name", &TosBlock::name},
+    {"signaling_tos", &TosBlock::signalingTos},
+    {"media_tos", &TosBlock::mediaTos},
+};
+
+}  // namespace
+
 void TosBlock::Read(const cfg::Section& section) {
-  blocks::ReadKey(section, "name", &name);
-  blocks::ReadKey(section, "signaling_tos", &signalingTos);
-  blocks::ReadKey(section, "media_tos", &mediaTos);
+  cfg::ReadFields(section, kTosBlockFields, this);
 }
 
 void TosBlock::Write(cfg::Document& doc, cfg::Section& section) const {
-  blocks::WriteKey(doc, section, "name", name);
-  // TOS bytes are read and quoted in hex (0xB8 is expedited forwarding).
-  doc.Set(section, "signaling_tos", cfg::FormatHexByte(signalingTos));
-  doc.Set(section, "media_tos", cfg::FormatHexByte(mediaTos));
+  // TOS bytes are quoted in hex (0xB8 is expedited forwarding).
+  doc.Set(section, kTosBlockFields[0].key, name);
+  doc.Set(section, kTosBlockFields[1].key, cfg::FormatHexByte(signalingTos));
+  doc.Set(section, kTosBlockFields[2].key, cfg::FormatHexByte(mediaTos));
 }
+
+cfg::KeyRules TosBlock::KeyRules() { return cfg::FieldRules(kTosBlockFields); }
 
 template class SharedAccessor<TosParamsAccessor>;

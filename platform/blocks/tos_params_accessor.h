@@ -5,6 +5,7 @@
 #include <string>
 
 #include "platform/base/document.h"
+#include "platform/base/key_rules.h"
 #include "platform/blocks/blocks_accessor_base.h"
 #include "platform/blocks/shared_accessor.h"
 
@@ -18,6 +19,8 @@ struct TosBlock {
 
   void Read(const cfg::Section& section);
   void Write(cfg::Document& doc, cfg::Section& section) const;
+  // The keys Read takes and how, for checkers.
+  static cfg::KeyRules KeyRules();
 };
 
 // The TOS profiles, looked up with GetBlockByName. Shared instance and

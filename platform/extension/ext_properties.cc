@@ -30,16 +30,16 @@ const cfg::Field<ExtSipSettingsParams> kSipFields[] = {
     {"user_name", &ExtSipSettingsParams::userName},
     {"password", &ExtSipSettingsParams::password},
     {"host", &ExtSipSettingsParams::host},
-    {"port", &ExtSipSettingsParams::port},
+    {"port", &ExtSipSettingsParams::port, &cfg::kPortDomain},
     {"proxy", &ExtSipSettingsParams::proxy},
     {"outbound_proxy", &ExtSipSettingsParams::outboundProxy},
-    {"transport", &ExtSipSettingsParams::transport},
+    {"transport", &ExtSipSettingsParams::transport, &cfg::kTransportDomain},
     {"domain", &ExtSipSettingsParams::domain},
     {"display_name", &ExtSipSettingsParams::displayName},
     {"contact", &ExtSipSettingsParams::contact},
-    {"register_expiry", &ExtSipSettingsParams::registerExpiry},
-    {"registration_enabled", &ExtSipSettingsParams::registrationEnabled},
-    {"sip_keep_alive", &ExtSipSettingsParams::sipKeepAlive},
+    {"register_expiry", &ExtSipSettingsParams::registerExpiry, &cfg::kCountDomain},
+    {"registration_enabled", &ExtSipSettingsParams::registrationEnabled, &cfg::kFlagDomain},
+    {"sip_keep_alive", &ExtSipSettingsParams::sipKeepAlive, &cfg::kCountDomain},
 };
 
 const cfg::Field<ExtPersonalInfoParams> kPersonalFields[] = {
@@ -51,49 +51,49 @@ const cfg::Field<ExtPersonalInfoParams> kPersonalFields[] = {
     {"user_class", &ExtPersonalInfoParams::userClass},
     {"remote_access", &ExtPersonalInfoParams::remoteAccess},
     {"tos_profile", &ExtPersonalInfoParams::tosProfile},
-    {"queue_enabled", &ExtPersonalInfoParams::queueEnabled},
-    {"queue_size", &ExtPersonalInfoParams::queueSize},
+    {"queue_enabled", &ExtPersonalInfoParams::queueEnabled, &cfg::kFlagDomain},
+    {"queue_size", &ExtPersonalInfoParams::queueSize, &cfg::kCountDomain},
     {"queue_mode", &ExtPersonalInfoParams::queueMode},
     {"queue_disabled", &ExtPersonalInfoParams::queueDisabled},
-    {"queue_overflow", &ExtPersonalInfoParams::queueOverflow},
-    {"announcement_enabled", &ExtPersonalInfoParams::announcementEnabled},
+    {"queue_overflow", &ExtPersonalInfoParams::queueOverflow, &cfg::kFlagDomain},
+    {"announcement_enabled", &ExtPersonalInfoParams::announcementEnabled, &cfg::kFlagDomain},
     {"announcement_value", &ExtPersonalInfoParams::announcementValue},
     {"announcement_text", &ExtPersonalInfoParams::announcementText},
-    {"announcement_repeat", &ExtPersonalInfoParams::announcementRepeat},
+    {"announcement_repeat", &ExtPersonalInfoParams::announcementRepeat, &cfg::kCountDomain},
 };
 
 const cfg::Field<ExtServicesParams> kServicesFields[] = {
-    {"call_waiting", &ExtServicesParams::callWaiting},
+    {"call_waiting", &ExtServicesParams::callWaiting, &cfg::kFlagDomain},
     {"do_not_disturb", &ExtServicesParams::doNotDisturb},
     {"hotline", &ExtServicesParams::hotline},
-    {"call_transfer", &ExtServicesParams::callTransfer},
+    {"call_transfer", &ExtServicesParams::callTransfer, &cfg::kFlagDomain},
     {"voice_mail_mode", &ExtServicesParams::voiceMailMode},
-    {"voice_mail_rings", &ExtServicesParams::voiceMailRings},
+    {"voice_mail_rings", &ExtServicesParams::voiceMailRings, &cfg::kCountDomain},
     {"voice_mail_box", &ExtServicesParams::voiceMailBox},
     {"remote_control", &ExtServicesParams::remoteControl},
     {"fax_mode_a", &ExtServicesParams::faxModeA},
     {"fax_mode_b", &ExtServicesParams::faxModeB},
     {"fax_param3", &ExtServicesParams::faxParam3},
-    {"fax_tone_detection", &ExtServicesParams::faxToneDetection},
-    {"fax_tone_forced", &ExtServicesParams::faxToneForced},
+    {"fax_tone_detection", &ExtServicesParams::faxToneDetection, &cfg::kFlagDomain},
+    {"fax_tone_forced", &ExtServicesParams::faxToneForced, &cfg::kFlagDomain},
     {"fax_profile", &ExtServicesParams::faxProfile},
     {"modem_mode", &ExtServicesParams::modemMode},
-    {"conference_allowed", &ExtServicesParams::conferenceAllowed},
-    {"conference_max_parties", &ExtServicesParams::conferenceMaxParties},
-    {"call_pickup_allowed", &ExtServicesParams::callPickupAllowed},
+    {"conference_allowed", &ExtServicesParams::conferenceAllowed, &cfg::kFlagDomain},
+    {"conference_max_parties", &ExtServicesParams::conferenceMaxParties, &cfg::kCountDomain},
+    {"call_pickup_allowed", &ExtServicesParams::callPickupAllowed, &cfg::kFlagDomain},
     {"call_pickup_group", &ExtServicesParams::callPickupGroup},
-    {"intrusion_allowed", &ExtServicesParams::intrusionAllowed},
+    {"intrusion_allowed", &ExtServicesParams::intrusionAllowed, &cfg::kFlagDomain},
     {"intrusion_level", &ExtServicesParams::intrusionLevel},
     {"music_on_hold", &ExtServicesParams::musicOnHold},
     {"caller_id_presentation", &ExtServicesParams::callerIdPresentation},
-    {"call_hold_allowed", &ExtServicesParams::callHoldAllowed},
-    {"anonymous_call_rejection", &ExtServicesParams::anonymousRejection},
+    {"call_hold_allowed", &ExtServicesParams::callHoldAllowed, &cfg::kFlagDomain},
+    {"anonymous_call_rejection", &ExtServicesParams::anonymousRejection, &cfg::kFlagDomain},
 };
 
 const cfg::Field<ExtTimeoutsParams> kTimeoutsFields[] = {
-    {"no_answer_timeout", &ExtTimeoutsParams::noAnswerTimeout},
-    {"call_park_timeout", &ExtTimeoutsParams::callParkTimeout},
-    {"dial_timeout", &ExtTimeoutsParams::dialTimeout},
+    {"no_answer_timeout", &ExtTimeoutsParams::noAnswerTimeout, &cfg::kCountDomain},
+    {"call_park_timeout", &ExtTimeoutsParams::callParkTimeout, &cfg::kCountDomain},
+    {"dial_timeout", &ExtTimeoutsParams::dialTimeout, &cfg::kCountDomain},
 };
 
 const cfg::Field<ExtCodecParams> kCodecFields[] = {
@@ -111,7 +111,7 @@ const cfg::Field<ExtPstnAgentParams> kPstnAgentFields[] = {
 };
 
 const cfg::Field<CallParkGeneralParams> kCallParkFields[] = {
-    {"timeout_minutes", &CallParkGeneralParams::timeoutMinutes},
+    {"timeout_minutes", &CallParkGeneralParams::timeoutMinutes, &cfg::kCountDomain},
 };
 
 const cfg::Field<PickupGroupParams> kPickupFields[] = {
@@ -119,20 +119,20 @@ const cfg::Field<PickupGroupParams> kPickupFields[] = {
 };
 
 const cfg::Field<ExtBusyRedialParams> kBusyRedialFields[] = {
-    {"interval", &ExtBusyRedialParams::interval},
-    {"period_minutes", &ExtBusyRedialParams::periodMinutes},
+    {"interval", &ExtBusyRedialParams::interval, &cfg::kCountDomain},
+    {"period_minutes", &ExtBusyRedialParams::periodMinutes, &cfg::kCountDomain},
 };
 
 const cfg::Field<ExtAutoCallParams> kAutoCallFields[] = {
-    {"enabled", &ExtAutoCallParams::enabled},
+    {"enabled", &ExtAutoCallParams::enabled, &cfg::kFlagDomain},
     {"destination", &ExtAutoCallParams::destination},
 };
 
 const cfg::Field<AttGeneralParams> kAttendantFields[] = {
     {"console_mode", &AttGeneralParams::consoleMode},
     {"night_mode", &AttGeneralParams::nightMode},
-    {"queue_size", &AttGeneralParams::queueSize},
-    {"ring_timeout", &AttGeneralParams::ringTimeout},
+    {"queue_size", &AttGeneralParams::queueSize, &cfg::kCountDomain},
+    {"ring_timeout", &AttGeneralParams::ringTimeout, &cfg::kCountDomain},
     {"welcome_message", &AttGeneralParams::welcomeMessage},
     {"night_destination", &AttGeneralParams::nightDestination},
     {"tos_profile", &AttGeneralParams::tosProfile},

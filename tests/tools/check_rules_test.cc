@@ -12,6 +12,7 @@
 #include "tests/support/temp_root.h"
 #include "tests/tools/tool_test_util.h"
 #include "tools/check.h"
+#include "tools/agent_parsers.h"
 #include "tools/check_fields.h"
 #include "tools/check_pstn.h"
 #include "tools/check_service_codes.h"
@@ -27,6 +28,7 @@ const char kUser[] = "telephony/extensiondb/user/";
 // Every finding of a root as the text `check` prints, caret lines included.
 class CheckRulesTest : public ::testing::Test {
  protected:
+  CheckRulesTest() { tool_testing::EmptySettings(root_); }
   std::vector<std::string> Check() {
     std::ostringstream out;
     cmcfg_tool::PrintFindings(cmcfg_tool::FindProblems(root_.path()), out);
@@ -40,20 +42,6 @@ std::vector<std::string> Messages(const std::vector<ChannelProblem>& problems) {
   std::vector<std::string> messages;
   for (const ChannelProblem& p : problems) messages.push_back(p.message);
   return messages;
-}
-
-TEST(FieldProbeTest, LearnsKeysAndTypesFromTheBlockItself) {
-  const cmcfg_tool::FieldProbe gateway = cmcfg_tool::FieldProbe::Of<GatewayBlock>();
-  EXPECT_THAT(gateway.keys(), ElementsAre("address", "name", "type"));
-  EXPECT_TRUE(gateway.Takes("type", "2"));
-  EXPECT_TRUE(gateway.Takes("type", " 0x2 "));
-  EXPECT_TRUE(gateway.Takes("type", "7"));  // equal to a probe value, still taken
-  EXPECT_FALSE(gateway.Takes("type", "two"));
-  EXPECT_FALSE(gateway.Takes("type", ""));
-  EXPECT_TRUE(gateway.Takes("name", "two"));
-  const cmcfg_tool::FieldProbe ring = cmcfg_tool::FieldProbe::Of<RingPatternBlock>();
-  EXPECT_TRUE(ring.Takes("cadence", "500,4000"));
-  EXPECT_FALSE(ring.Takes("cadence", "500,long"));
 }
 
 TEST_F(CheckRulesTest, BlockFilesReportUnknownKeysBadValuesAndSectionsThatAreNoId) {
@@ -72,7 +60,7 @@ TEST_F(CheckRulesTest, BlockFilesReportUnknownKeysBadValuesAndSectionsThatAreNoI
                           "it is ignored",
                           "section main", "        ^",
                           "telephony/ringpatterns.cfg:4: warning: value \"500,4000s\" of cadence "
-                          "is not a number; the default is kept",
+                          "is not a list of numbers; the default is kept",
                           "cadence = 500,4000s", "          ^"));
 }
 
@@ -106,9 +94,12 @@ TEST_F(CheckRulesTest, LineDatabaseEntriesTheAgentCannotBind) {
 }
 
 TEST(PstnChannelsTest, ChannelListsReadAsTheAgentReadsThem) {
-  EXPECT_THAT(Messages(cmcfg_tool::ChannelListProblems("fxo_channels", "1, 2 ,3")), IsEmpty());
-  EXPECT_THAT(Messages(cmcfg_tool::ChannelListProblems("fxo_channels", "all_channels")), IsEmpty());
-  EXPECT_THAT(Messages(cmcfg_tool::ChannelListProblems("fxo_channels", "1,2x,,x,70000")),
+  cmcfg_tool::AgentParsers parsers;
+  EXPECT_THAT(Messages(cmcfg_tool::ChannelListProblems("fxo_channels", "1, 2 ,3", parsers)),
+              IsEmpty());
+  EXPECT_THAT(Messages(cmcfg_tool::ChannelListProblems("fxo_channels", "all_channels", parsers)),
+              IsEmpty());
+  EXPECT_THAT(Messages(cmcfg_tool::ChannelListProblems("fxo_channels", "1,2x,,x,70000", parsers)),
               ElementsAre("channel \"2x\" in fxo_channels is not a number from 0 to 65535; it "
                           "reads as 2",
                           "channel \"\" in fxo_channels is not a number from 0 to 65535; it reads "
@@ -119,10 +110,10 @@ TEST(PstnChannelsTest, ChannelListsReadAsTheAgentReadsThem) {
                           "reads as 4464"));
   std::string many;
   for (int i = 0; i < 257; ++i) many += (i ? "," : "") + std::to_string(i);
-  EXPECT_THAT(Messages(cmcfg_tool::ChannelListProblems("isdn_channels", many)),
+  EXPECT_THAT(Messages(cmcfg_tool::ChannelListProblems("isdn_channels", many, parsers)),
               ElementsAre("isdn_channels lists more than 256 channels; the rest are ignored"));
   many = many.substr(0, many.rfind(','));
-  EXPECT_THAT(Messages(cmcfg_tool::ChannelListProblems("isdn_channels", many)), IsEmpty());
+  EXPECT_THAT(Messages(cmcfg_tool::ChannelListProblems("isdn_channels", many, parsers)), IsEmpty());
 }
 
 TEST(PstnChannelsTest, CasSpansAndTimeSlots) {
@@ -162,7 +153,7 @@ TEST_F(CheckRulesTest, PstnChannelFindingsPointAtThePiece) {
 }
 
 TEST_F(CheckRulesTest, ServiceCodesThatFormNoKeyOrCanNeverBeReached) {
-  EXPECT_EQ("*72#f1", cmcfg_tool::DialledKeys("*7 2#f1F"));
+  EXPECT_EQ("*72#f1", cmcfg_tool::AgentParsers().DialledKeys("*7 2#f1F"));
   root_.Write(std::string(kUser) + "101.cfg",
               "section service_codes\n{\n"
               "code_1 = *72\n"

@@ -27,6 +27,7 @@ const char kUser[] = "telephony/extensiondb/user/";
 // `cmcfg check` as typed, down to the exit status.
 class CheckTest : public ::testing::Test {
  protected:
+  CheckTest() { tool_testing::EmptySettings(root_); }
   int Run(const std::vector<std::string>& args) {
     return tool_testing::RunCmcfg(args, out_, err_);
   }
@@ -64,9 +65,12 @@ TEST_F(CheckTest, ExitStatusTwoWhenTheRootCannotBeRead) {
             err_.str());
 }
 
-TEST_F(CheckTest, AnEmptyRootIsClean) {
-  EXPECT_EQ(0, Check());
+TEST_F(CheckTest, AFolderWithoutTelephonyIsNotARoot) {
+  EXPECT_EQ(2, Run({"check", "--root", root_.Path("telephony")}));
   EXPECT_EQ("", out_.str());
+  EXPECT_EQ("cmcfg: cannot read the configuration root " + root_.Path("telephony/") +
+                ": not a configuration root (no telephony/ folder)\n",
+            err_.str());
 }
 
 TEST_F(CheckTest, ParserDiagnosticsAreErrorsWithTheLineAndACaret) {
@@ -277,15 +281,9 @@ TEST_F(CheckTest, OneMistakeOfEachKindInACopyOfTheExample) {
   EXPECT_THAT(
       headings,
       ElementsAre(
-          at + lineOf(text109, "interval 45") + ": error: expected 'key = value'",
-          at + lineOf(text109, "section timeouts", true) +
-              ": warning: duplicate section \"timeouts\"; the one at line " +
-              lineOf(text109, "section timeouts") + " is read",
+          // The settings files first, then each extension file in turn.
           "telephony/extensiondb/user/a..b.cfg: warning: the file name breaks the "
           "extension naming rules; the file is ignored",
-          at + lineOf(text109, "G7299") + ": warning: unknown codec name \"G7299\"",
-          at + lineOf(text109, "#3") + ": warning: speed-dial code \"#3\" is not \"#\" "
-                                       "and two digits; the entry is skipped",
           "telephony/gateways.cfg:" + lineOf(gateways, "label = x") +
               ": warning: unknown key \"label\" in section \"2\"; it is not read",
           "telephony/gateways.cfg:" + lineOf(gateways, "type = remote") +
@@ -293,14 +291,21 @@ TEST_F(CheckTest, OneMistakeOfEachKindInACopyOfTheExample) {
           "telephony/general.cfg:" + lineOf(general, "64 slots") +
               ": warning: value \"64 slots\" of max_extensions is not a number from 0 to "
               "4294967295; the default is kept",
-          at + lineOf(text109, "displayname") +
-              ": warning: unknown key \"displayname\" in section \"sip\"; it is not read",
           "telephony/linedb:" + lineOf(linedb, "binding 9/7") +
               ": warning: gateway 9 of \"binding 9/7\" is not in telephony/gateways.cfg; the "
               "extension is not bound",
-          file600 + ":" + lineOf(text600, "fxo_channels") +
-              ": warning: channel \"2x\" in fxo_channels is not a number from 0 to 65535; it "
-              "reads as 2",
+          tones + ":" + lineOf(toneText, "425Hz") +
+              ": warning: tone value \"425Hz\" of frequency_1 is not a number from 0 to 65535; "
+              "it reads as 425",
+          at + lineOf(text109, "interval 45") + ": error: expected 'key = value'",
+          at + lineOf(text109, "section timeouts", true) +
+              ": warning: duplicate section \"timeouts\"; the one at line " +
+              lineOf(text109, "section timeouts") + " is read",
+          at + lineOf(text109, "G7299") + ": warning: unknown codec name \"G7299\"",
+          at + lineOf(text109, "#3") + ": warning: speed-dial code \"#3\" is not \"#\" "
+                                       "and two digits; the entry is skipped",
+          at + lineOf(text109, "displayname") +
+              ": warning: unknown key \"displayname\" in section \"sip\"; it is not read",
           at + lineOf(text109, "*7a2") + ": warning: service code \"*7a2\" of code_1 holds "
                                          "\"a\", which forms no key; it is dialled as \"*72\"",
           at + lineOf(text109, "code_7") + ": warning: service code \"*80\" of code_7 dials the "
@@ -308,9 +313,9 @@ TEST_F(CheckTest, OneMistakeOfEachKindInACopyOfTheExample) {
                                            "can be reached",
           at + lineOf(text109, "*901") + ": warning: service code \"*901\" of code_5 can never "
                                          "be reached: \"*90\" of code_4 is dialled before it ends",
-          tones + ":" + lineOf(toneText, "425Hz") +
-              ": warning: tone value \"425Hz\" of frequency_1 is not a number from 0 to 65535; "
-              "it reads as 425"));
+          file600 + ":" + lineOf(text600, "fxo_channels") +
+              ": warning: channel \"2x\" in fxo_channels is not a number from 0 to 65535; it "
+              "reads as 2"));
 }
 
 }  // namespace

@@ -1,138 +1,122 @@
+// How the command line behaves, whatever the verb.
 #include "tools/cli.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <nlohmann/json.hpp>
-#include <chrono>
-#include <functional>
-#include <sstream>
-#include <string>
-#include <vector>
+#include <filesystem>
+#include <fstream>
 
 #include "tests/support/temp_root.h"
 #include "tests/tools/tool_test_util.h"
-#include "tools/progress.h"
 
 namespace {
 
 using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::MatchesRegex;
-using tool_testing::Examples;
+using tool_testing::RunCmcfg;
 
-// The command line as a user types it, down to the exit status.
+struct Case {
+  std::vector<std::string> args;  // ROOT: a copy of the example; EMPTY: a folder without telephony/
+  int status;
+  const char* err;  // a part of stderr ("" : stderr is empty)
+};
+
 class CliTest : public ::testing::Test {
  protected:
-  int Run(const std::vector<std::string>& args) {
-    return tool_testing::RunCmcfg(args, out_, err_);
+  CliTest() {
+    tool_testing::CopyExample(root_.path());
+    std::filesystem::create_directories(empty_);
+  }
+  int Run(std::vector<std::string> args) {
+    for (std::string& arg : args)
+      arg = arg == "ROOT" ? root_.path() : arg == "EMPTY" ? empty_ : arg;
+    return RunCmcfg(args, out_, err_);
   }
 
-  testing_support::TempRoot logs_;
+  testing_support::TempRoot root_;
+  std::string empty_ = root_.path() + "telephony/regional/";
   std::ostringstream out_, err_;
 };
 
-TEST_F(CliTest, ExtTakesTheNameAndTheCommonOptions) {
-  ASSERT_EQ(0, Run({"ext", "109", "--root", Examples(), "--log-dir", logs_.path()})) << err_.str();
-  EXPECT_EQ(0u, out_.str().find("Extension 109 (user)"));
-  ASSERT_EQ(0, Run({"ext", "--json", "--root", Examples(), "--log-dir", logs_.path(), "100"}));
-  EXPECT_EQ("100", nlohmann::json::parse(out_.str())["name"]);
-}
-
-TEST_F(CliTest, ExitStatusOfEachFailure) {
-  EXPECT_EQ(1, Run({"ext", "nobody", "--root", Examples(), "--log-dir", logs_.path()}));
-  EXPECT_EQ("cmcfg: no extension or attendant named \"nobody\" under " + Examples() + "\n",
-            err_.str());
-  EXPECT_EQ(2, Run({"ext", "101", "--root", logs_.Path("nowhere"), "--log-dir", logs_.path()}));
-  EXPECT_EQ(2, Run({"show", "--root", logs_.Path("nowhere")}));
-  // Usage errors: CLI11's message and status.
-  EXPECT_GE(Run({"ext"}), 100);
-  EXPECT_THAT(err_.str(), HasSubstr("name is required"));
-  EXPECT_GE(Run({}), 100);
-  EXPECT_GE(Run({"list"}), 100);
-  EXPECT_GE(Run({"show", "--colour"}), 100);
-  EXPECT_TRUE(out_.str().empty());
-}
-
-const char* const kVerbs[] = {"show",    "ext",   "dump",    "check", "diff",
-                              "forward", "block", "contact", "port"};
-
-TEST_F(CliTest, HelpListsEveryVerbOnStdout) {
-  EXPECT_EQ(0, Run({"--help"}));
-  for (const char* verb : kVerbs) EXPECT_THAT(out_.str(), HasSubstr("\n  " + std::string(verb)));
-  EXPECT_THAT(out_.str(), HasSubstr("--version"));
-  EXPECT_TRUE(err_.str().empty());
-}
-
-TEST_F(CliTest, EachVerbsHelpGivesItsUsageAndExitStatuses) {
-  for (const char* verb : kVerbs) {
-    SCOPED_TRACE(verb);
-    EXPECT_EQ(0, Run({verb, "--help"}));
-    EXPECT_THAT(out_.str(), HasSubstr(std::string("cmcfg ") + verb));
-    EXPECT_THAT(out_.str(), HasSubstr("Exit status: 0 "));
-    if (std::string(verb) != "diff") {
-      EXPECT_THAT(out_.str(), HasSubstr("--root"));
-    }
-    EXPECT_TRUE(err_.str().empty());
+TEST_F(CliTest, StatusesAndMessages) {
+  const Case cases[] = {
+      {{"--root", "ROOT", "show"}, 0, ""},
+      {{"show", "--root", "ROOT", "--json"}, 0, ""},
+      {{"shwo", "--root", "ROOT"}, 2, "did you mean show?"},
+      {{"show", "--jsno", "--root", "ROOT"}, 2, "did you mean --json?"},
+      {{}, 2, "A subcommand is required"},
+      {{"ext", "--root", "ROOT"}, 2, "expected NAME"},
+      {{"ext", "999", "--root", "ROOT"}, 1, "no extension or attendant named \"999\""},
+      {{"port", "-1", "1", "--root", "ROOT"}, 2, "\"-1\" is not a gateway"},
+      {{"port", "1", "99999999999999999999", "--root", "ROOT"}, 2, "\"99999999999999999999\""},
+      {{"forward", "109", "set", "12\n3", "--root", "ROOT"}, 1, "control character"},
+      {{"forward", "109", "sideways", "--root", "ROOT"}, 2, "expected EXT on|off"},
+      {{"block", "109", "not a sip address", "--call-type", "sip", "--root", "ROOT"}, 1, "SIP"},
+      {{"contact", "109", "add", "ab\tc", "--root", "ROOT"}, 1, "contact"},
+      {{"--help"}, 0, ""},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(testing::PrintToString(c.args));
+    EXPECT_EQ(Run(c.args), c.status);
+    if (*c.err == '\0')
+      EXPECT_EQ(err_.str(), "");
+    else
+      EXPECT_THAT(err_.str(), HasSubstr(c.err));
   }
-  // The inspection verbs say where the log goes when run inside the root.
-  Run({"show", "--help"});
-  EXPECT_THAT(out_.str(), HasSubstr("$TMPDIR or /tmp"));
+  // A refused value is refused before anything is loaded or written.
+  EXPECT_FALSE(root_.Exists("telephony/extensiondb/user/109.cfg.lock"));
 }
 
-TEST(CliDescriptions, EveryVerbAndOptionHasAHelpText) {
-  EXPECT_THAT(cmcfg_tool::UndescribedParts(), IsEmpty());
-}
-
-TEST_F(CliTest, VersionIsTheProjectsOnStdout) {
-  EXPECT_EQ(0, Run({"--version"}));
-  EXPECT_THAT(out_.str(), MatchesRegex("cmcfg [0-9]+\\.[0-9]+\\.[0-9]+\n"));
-  EXPECT_TRUE(err_.str().empty());
-  // Not a verb's option.
-  EXPECT_GE(Run({"show", "--version"}), 100);
-}
-
-// The progress line of a slow load; the terminal itself is not needed.
-class ProgressLineTest : public ::testing::Test {
- protected:
-  cmcfg_tool::ProgressLine::Sink Sink() {
-    return [this](const std::string& text) { texts_.push_back(text); };
+TEST_F(CliTest, EveryVerbRefusesAFolderThatIsNotARoot) {
+  const std::vector<std::vector<std::string>> verbs = {{"show"},
+                                                       {"ext", "109"},
+                                                       {"dump"},
+                                                       {"check"},
+                                                       {"forward", "109", "on"},
+                                                       {"block", "109", "123"},
+                                                       {"unblock", "109", "123"},
+                                                       {"contact", "109", "erase", "3"},
+                                                       {"port", "1", "1"}};
+  for (std::vector<std::string> args : verbs) {
+    args.insert(args.end(), {"--root", "EMPTY"});
+    EXPECT_EQ(Run(args), 2) << args[0];
+    EXPECT_THAT(err_.str(), HasSubstr("not a configuration root")) << args[0];
   }
-  std::function<std::string()> Describe() {
-    return [this] {
-      ++described_;
-      return std::string("loading 3 extension files\u2026");
-    };
-  }
-  std::vector<std::string> texts_;
-  int described_ = 0;
-};
-
-TEST_F(ProgressLineTest, ShownLineIsErasedWhenFinished) {
-  cmcfg_tool::ProgressLine line(Describe(), Sink(), std::chrono::milliseconds(0));
-  line.Finish();
-  ASSERT_GE(texts_.size(), 2u);
-  EXPECT_EQ("\r\033[Kloading 3 extension files\u2026", texts_.front());
-  EXPECT_EQ("\r\033[K", texts_.back());
-  EXPECT_EQ(1, described_);  // counted once, however long it shows
-  line.Finish();
-  EXPECT_EQ("\r\033[K", texts_.back());
+  EXPECT_EQ(Run({"diff", "ROOT", "EMPTY"}), 2);
 }
 
-TEST_F(ProgressLineTest, TaskDoneBeforeTheDelayShowsAndCountsNothing) {
-  { cmcfg_tool::ProgressLine line(Describe(), Sink(), std::chrono::hours(1)); }
-  EXPECT_THAT(texts_, IsEmpty());
-  EXPECT_EQ(0, described_);
+TEST_F(CliTest, HelpGivesTheStatusTableAndEveryPartIsDescribed) {
+  EXPECT_EQ(Run({"check", "--help"}), 0);
+  EXPECT_THAT(out_.str(), HasSubstr("2  a usage error"));
+  EXPECT_THAT(cmcfg_tool::UndescribedParts(), testing::IsEmpty());
 }
 
-TEST(ProgressText, ElapsedSecondsAfterTheFirst) {
-  EXPECT_EQ("loading", cmcfg_tool::ProgressText("loading", 0));
-  EXPECT_EQ("loading 12 s", cmcfg_tool::ProgressText("loading", 12));
-}
-
-TEST(LoadProgress, NothingUnlessTheStreamIsTheProcessStderr) {
+TEST_F(CliTest, OutputThatCannotBeWrittenIsAnError) {
+  std::ofstream full("/dev/full");
+  std::vector<const char*> argv{"cmcfg", "ext", "109", "--root", root_.path().c_str()};
   std::ostringstream err;
-  EXPECT_EQ(nullptr, cmcfg_tool::LoadProgressOnTerminal(tool_testing::Examples(), err));
+  full << std::unitbuf;
+  EXPECT_EQ(cmcfg_tool::RunCommandLine(static_cast<int>(argv.size()), argv.data(), full, err), 1);
+  EXPECT_THAT(err.str(), HasSubstr("cannot write the output"));
+}
+
+TEST_F(CliTest, InspectionLeavesNoFileBehind) {
+  // Logging on, run from inside the root: still nothing new anywhere.
+  const auto listing = [&] {
+    std::vector<std::string> names;
+    for (auto& e : std::filesystem::recursive_directory_iterator(root_.path()))
+      names.push_back(e.path().string());
+    return names;
+  };
+  unsetenv("CMCFG_LOG_DIR");
+  const std::vector<std::string> before = listing();
+  const std::filesystem::path cwd = std::filesystem::current_path();
+  std::filesystem::current_path(root_.path());
+  for (const char* verb : {"show", "dump", "check"}) EXPECT_EQ(Run({verb, "--root", "ROOT"}), 0);
+  EXPECT_EQ(Run({"ext", "109", "--root", "ROOT"}), 0);
+  EXPECT_EQ(Run({"diff", "ROOT", "ROOT"}), 0);
+  std::filesystem::current_path(cwd);
+  EXPECT_EQ(listing(), before);
 }
 
 }  // namespace

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/temp_root.h"
+#include "tools/check_syntax.h"
 #include "tools/cli.h"
 
 namespace tool_testing {
@@ -29,6 +31,13 @@ inline std::string Examples() { return CMCFG_EXAMPLES_DIR; }
 inline void CopyExample(const std::string& root) {
   namespace fs = std::filesystem;
   fs::copy(Examples(), root, fs::copy_options::recursive | fs::copy_options::overwrite_existing);
+}
+
+// Makes `root` a configuration root whose settings files are all there and
+// empty (the readers' defaults), so that a check of it reports only what a
+// test writes.
+inline void EmptySettings(const testing_support::TempRoot& root) {
+  for (const std::string& relative : cmcfg_tool::SettingsFiles()) root.Write(relative, "");
 }
 
 inline std::vector<std::string> Lines(const std::string& text) {
