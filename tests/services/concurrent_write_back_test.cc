@@ -34,7 +34,7 @@ const char kUser[] =
     "section contact 2 clir\n{\nactive = 1\n}\n";
 
 constexpr int kProcesses = 4;
-constexpr int kRounds = 12;
+constexpr int kRounds = 20;
 
 // What one process saw succeed.
 struct Tally {
@@ -127,6 +127,8 @@ TEST_F(ConcurrentWriteBackTest, MixedOperationsOfManyProcessesSerialize) {
     all.saved_users += t.saved_users;
   }
   const int ops = kProcesses * kRounds;
+  RecordProperty("phone_sets", all.phone_set);
+  RecordProperty("phone_clears", all.phone_cleared);
   EXPECT_EQ(ops, all.blocked_own);
   EXPECT_EQ(1, all.shared_added);  // the others found it blocked, in memory or in the file
   EXPECT_EQ(ops, all.switched);
