@@ -122,10 +122,10 @@ void CMAgent::EraseAttendant(unsigned long position) {
 
 void CMAgent::IncreaseBase() { extensionBase.resize(extensionBase.size() + 1, nullptr); }
 
-void CMAgent::LockBase() { baseMutex->Lock(); }
-void CMAgent::UnlockBase() { baseMutex->Unlock(); }
-void CMAgent::LockShList() { shListMutex->Lock(); }
-void CMAgent::UnlockShList() { shListMutex->Unlock(); }
+CMCFG_NO_THREAD_SAFETY_ANALYSIS void CMAgent::LockBase() { baseMutex->Lock(); }
+CMCFG_NO_THREAD_SAFETY_ANALYSIS void CMAgent::UnlockBase() { baseMutex->Unlock(); }
+CMCFG_NO_THREAD_SAFETY_ANALYSIS void CMAgent::LockShList() { shListMutex->Lock(); }
+CMCFG_NO_THREAD_SAFETY_ANALYSIS void CMAgent::UnlockShList() { shListMutex->Unlock(); }
 
 void CMAgent::ShareExtension(const std::string& name, bool add, bool mark) {
   std::list<SharedExtension>& shared = generalData.sharedExtensions;

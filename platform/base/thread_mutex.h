@@ -13,6 +13,9 @@
 #define CMCFG_GUARDED_BY(x) CMCFG_THREAD_ANNOTATION(guarded_by(x))
 #define CMCFG_ACQUIRE(...) CMCFG_THREAD_ANNOTATION(acquire_capability(__VA_ARGS__))
 #define CMCFG_RELEASE(...) CMCFG_THREAD_ANNOTATION(release_capability(__VA_ARGS__))
+// For a function that takes or drops a lock its caller holds across calls
+// (the agent's LockBase and UnlockBase): the analysis cannot follow it.
+#define CMCFG_NO_THREAD_SAFETY_ANALYSIS CMCFG_THREAD_ANNOTATION(no_thread_safety_analysis)
 
 // A non-recursive mutex.
 class CMCFG_CAPABILITY("mutex") ThreadMutex {
