@@ -27,4 +27,11 @@ std::list<unsigned short> AgentParsers::Channels(const std::string& spec) {
   return channels;
 }
 
+std::list<std::pair<unsigned short, std::list<unsigned short>>> AgentParsers::CasSpans(
+    const std::string& spec) {
+  std::list<std::pair<unsigned short, std::list<unsigned short>>> spans;
+  session_->agent().GetCasData(spec, &spans);
+  return spans;
+}
+
 }  // namespace cmcfg_tool

@@ -4,6 +4,7 @@
 #include <list>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "tools/session.h"
 
@@ -26,6 +27,10 @@ class AgentParsers {
   // The channels the agent reads from an FXO or ISDN channel list ("1,2,5";
   // empty for "all_channels").
   std::list<unsigned short> Channels(const std::string& spec);
+
+  // The spans, each with its time slots, the agent reads from a CAS
+  // specification ("0/1-15;0/17-31").
+  std::list<std::pair<unsigned short, std::list<unsigned short>>> CasSpans(const std::string& spec);
 
  private:
   ScratchDir root_;

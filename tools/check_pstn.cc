@@ -1,27 +1,16 @@
 #include "tools/check_pstn.h"
 
+#include <list>
+#include <set>
+
 #include "platform/base/string_utils.h"
 
 namespace cmcfg_tool {
 namespace {
 
-// The agent's limits on a channel specification: what the hardware can
-// have. Kept beside the reading rules below, which mirror the agent's.
 const char kAllChannels[] = "all_channels";
-const unsigned kMaxTimeSlot = 31;
-const size_t kMaxSpans = 64;
 
 bool IsBlank(char c) { return c == ' ' || c == '\t'; }
-
-// The number the text starts with after blanks, as the agent reads it:
-// the leading digits, cut to 16 bits; 0 without digits.
-unsigned LeadingNumber(const std::string& text, size_t from = 0) {
-  while (from < text.size() && IsBlank(text[from])) ++from;
-  unsigned long value = 0;
-  for (; from < text.size() && text[from] >= '0' && text[from] <= '9'; ++from)
-    value = (value * 10 + static_cast<unsigned long>(text[from] - '0')) & 0xFFFFFFFFul;
-  return static_cast<unsigned short>(value);
-}
 
 // Digits with optional blanks around them, at most `max`.
 bool IsNumber(const std::string& text, unsigned long max) {
@@ -40,48 +29,67 @@ bool IsNumber(const std::string& text, unsigned long max) {
 
 std::string Quoted(const std::string& text) { return "\"" + text + "\""; }
 
-class SpecReader {
+// What the agent reads from a CAS text, asked of its own parser.
+class CasReader {
  public:
-  std::vector<ChannelProblem> problems;
-
-  void Add(const std::string& piece, const std::string& message) {
-    problems.push_back({piece, message});
+  explicit CasReader(AgentParsers& parsers) : parsers_(parsers) {
+    // The last time slot the agent keeps: what it makes of every slot.
+    const auto all = parsers_.CasSpans("0/0-65535");
+    maxSlot_ = all.empty() || all.front().second.empty() ? 0 : all.front().second.back();
   }
 
-  // A comma-separated list of numbers, each within 16 bits.
-  void List(const std::string& text, const std::string& what, const std::string& where) {
-    for (const std::string& piece : StringUtils::ParseCommaLine(text, ',')) {
-      if (IsNumber(piece, 0xFFFF)) continue;
-      Add(piece, what + " " + Quoted(piece) + " in " + where +
-                     " is not a number from 0 to 65535; it reads as " +
-                     std::to_string(LeadingNumber(piece)));
-    }
+  // The span number the agent reads from `span`.
+  unsigned Span(const std::string& span) {
+    const auto spans = parsers_.CasSpans(span + "/1");
+    return spans.empty() ? 0 : spans.front().first;
   }
+  // The slots the agent reads from `slots`, in order.
+  std::list<unsigned short> Slots(const std::string& slots) {
+    const auto spans = parsers_.CasSpans("0/" + slots);
+    return spans.empty() ? std::list<unsigned short>() : spans.front().second;
+  }
+  unsigned maxSlot() const { return maxSlot_; }
 
-  void Slots(const std::string& slots) {
-    const size_t dash = slots.find('-');
-    if (dash == std::string::npos) {
-      List(slots, "time slot", "cas_channels");
-      for (const std::string& piece : StringUtils::ParseCommaLine(slots, ','))
-        if (LeadingNumber(piece) > kMaxTimeSlot)
-          Add(piece, "time slot " + std::to_string(LeadingNumber(piece)) +
-                         " in cas_channels is past " + std::to_string(kMaxTimeSlot) +
-                         "; it is dropped");
-      return;
-    }
-    const unsigned first = LeadingNumber(slots), last = LeadingNumber(slots, dash + 1);
-    if (!IsNumber(slots.substr(0, dash), 0xFFFF) || !IsNumber(slots.substr(dash + 1), 0xFFFF)) {
-      Add(slots, "time slots " + Quoted(slots) +
-                     " in cas_channels are neither a list nor one range; they read as " +
-                     std::to_string(first) + "-" + std::to_string(last));
-    } else if (first > last) {
-      Add(slots, "time slot range " + Quoted(slots) + " in cas_channels is empty");
-    }
-    if (last > kMaxTimeSlot)
-      Add(slots, "time slot range " + Quoted(slots) + " in cas_channels ends past " +
-                     std::to_string(kMaxTimeSlot) + "; it is cut there");
-  }
+ private:
+  AgentParsers& parsers_;
+  unsigned maxSlot_ = 0;
 };
+
+void CheckSlots(const std::string& slots, CasReader& reader, std::vector<ChannelProblem>* out) {
+  const std::string max = std::to_string(reader.maxSlot());
+  const size_t dash = slots.find('-');
+  if (dash == std::string::npos) {
+    for (const std::string& piece : StringUtils::ParseCommaLine(slots, ',')) {
+      if (!IsNumber(piece, 0xFFFF)) {
+        const std::list<unsigned short> read = reader.Slots(piece);
+        out->push_back({piece, "time slot " + Quoted(piece) +
+                                   " in cas_channels is not a number from 0 to 65535; " +
+                                   (read.empty() ? std::string("it is dropped")
+                                                 : "it reads as " + std::to_string(read.front()))});
+      } else if (std::stoul(piece) > reader.maxSlot()) {
+        out->push_back({piece, "time slot " + std::to_string(std::stoul(piece)) +
+                                   " in cas_channels is past " + max + "; it is dropped"});
+      }
+    }
+    return;
+  }
+  const std::string first = slots.substr(0, dash), last = slots.substr(dash + 1);
+  const std::list<unsigned short> read = reader.Slots(slots);
+  if (!IsNumber(first, 0xFFFF) || !IsNumber(last, 0xFFFF)) {
+    const std::string range =
+        read.empty() ? std::string("nothing")
+                     : std::to_string(read.front()) + "-" + std::to_string(read.back());
+    out->push_back({slots, "time slots " + Quoted(slots) +
+                               " in cas_channels are neither a list nor one range; they read as " +
+                               range});
+    return;
+  }
+  if (std::stoul(first) > std::stoul(last))
+    out->push_back({slots, "time slot range " + Quoted(slots) + " in cas_channels is empty"});
+  else if (std::stoul(last) > reader.maxSlot())
+    out->push_back({slots, "time slot range " + Quoted(slots) + " in cas_channels ends past " +
+                               max + "; it is cut there"});
+}
 
 }  // namespace
 
@@ -106,34 +114,32 @@ std::vector<ChannelProblem> ChannelListProblems(const std::string& key, const st
   return problems;
 }
 
-std::vector<ChannelProblem> CasProblems(const std::string& spec) {
-  SpecReader reader;
-  if (spec == kAllChannels) return reader.problems;
-  const std::vector<std::string> groups = StringUtils::ParseCommaLine(spec, ';');
-  std::vector<unsigned> spans;
-  for (const std::string& group : groups) {
+std::vector<ChannelProblem> CasProblems(const std::string& spec, AgentParsers& parsers) {
+  std::vector<ChannelProblem> problems;
+  if (spec == kAllChannels) return problems;
+  CasReader reader(parsers);
+  std::set<unsigned> spans;
+  for (const std::string& group : StringUtils::ParseCommaLine(spec, ';')) {
     const size_t slash = group.find('/');
     const std::string span = group.substr(0, slash);
+    const unsigned number = reader.Span(span);
     if (!IsNumber(span, 0xFFFF))
-      reader.Add(span, "span " + Quoted(span) +
-                           " in cas_channels is not a number from 0 to 65535; it reads as " +
-                           std::to_string(LeadingNumber(span)));
-    if (slash == std::string::npos) {
-      reader.Add(group, "span group " + Quoted(group) +
-                            " in cas_channels has no \"/\" and no "
-                            "time slots");
-    } else {
-      reader.Slots(group.substr(slash + 1));
-    }
-    const unsigned number = LeadingNumber(span);
-    bool known = false;
-    for (unsigned s : spans) known = known || s == number;
-    if (!known) spans.push_back(number);
+      problems.push_back({span, "span " + Quoted(span) +
+                                    " in cas_channels is not a number from 0 to 65535; it reads "
+                                    "as " +
+                                    std::to_string(number)});
+    if (slash == std::string::npos)
+      problems.push_back({group, "span group " + Quoted(group) +
+                                     " in cas_channels has no \"/\" and no time slots"});
+    else
+      CheckSlots(group.substr(slash + 1), reader, &problems);
+    spans.insert(number);
   }
-  if (spans.size() > kMaxSpans)
-    reader.Add("", "cas_channels holds more than " + std::to_string(kMaxSpans) +
-                       " spans; the rest are ignored");
-  return reader.problems;
+  const size_t kept = parsers.CasSpans(spec).size();
+  if (kept < spans.size())
+    problems.push_back({"", "cas_channels holds more than " + std::to_string(kept) +
+                                " spans; the rest are ignored"});
+  return problems;
 }
 
 void CheckPstnChannels(const std::vector<CheckedFile>& files, AgentParsers& parsers,
@@ -149,7 +155,7 @@ void CheckPstnChannels(const std::vector<CheckedFile>& files, AgentParsers& pars
       if (key == "fxo_channels" || key == "isdn_channels")
         problems = ChannelListProblems(key, value, parsers);
       else if (key == "cas_channels")
-        problems = CasProblems(value);
+        problems = CasProblems(value, parsers);
       for (const ChannelProblem& p : problems)
         findings->push_back(FindingAt(file.relative, file.lines, entry.line, p.piece, false,
                                       "pstn-channels", p.message));

@@ -27,8 +27,9 @@ std::vector<ChannelProblem> ChannelListProblems(const std::string& key, const st
 // The problems of a CAS specification ("0/1-15;0/17-31" or
 // "all_channels"): spans and time slots that are not numbers, groups
 // without slots, slot texts that are neither a list nor one range, slots
-// past the frame's last, and more spans than the agent keeps.
-std::vector<ChannelProblem> CasProblems(const std::string& spec);
+// past the frame's last, and more spans than the agent keeps; what the
+// agent reads, and its limits, come from its own parser (`parsers`).
+std::vector<ChannelProblem> CasProblems(const std::string& spec, AgentParsers& parsers);
 
 // Checks `fxo_channels`, `isdn_channels` and `cas_channels` of the
 // `pstn_agent` section of every extension file. Adds warnings to `findings`.

@@ -117,13 +117,14 @@ TEST(PstnChannelsTest, ChannelListsReadAsTheAgentReadsThem) {
 }
 
 TEST(PstnChannelsTest, CasSpansAndTimeSlots) {
-  EXPECT_THAT(Messages(cmcfg_tool::CasProblems("0/1-15;0/17-31")), IsEmpty());
-  EXPECT_THAT(Messages(cmcfg_tool::CasProblems("1/1,2,31;all_channels")),
+  cmcfg_tool::AgentParsers parsers;
+  EXPECT_THAT(Messages(cmcfg_tool::CasProblems("0/1-15;0/17-31", parsers)), IsEmpty());
+  EXPECT_THAT(Messages(cmcfg_tool::CasProblems("1/1,2,31;all_channels", parsers)),
               ElementsAre("span \"all_channels\" in cas_channels is not a number from 0 to 65535; "
                           "it reads as 0",
                           "span group \"all_channels\" in cas_channels has no \"/\" and no time "
                           "slots"));
-  EXPECT_THAT(Messages(cmcfg_tool::CasProblems("0/1,3-5;x/2;0/5-1;0/1-40;0/4,32")),
+  EXPECT_THAT(Messages(cmcfg_tool::CasProblems("0/1,3-5;x/2;0/5-1;0/1-40;0/4,32", parsers)),
               ElementsAre("time slots \"1,3-5\" in cas_channels are neither a list nor one range; "
                           "they read as 1-5",
                           "span \"x\" in cas_channels is not a number from 0 to 65535; it reads "
@@ -133,11 +134,12 @@ TEST(PstnChannelsTest, CasSpansAndTimeSlots) {
                           "time slot 32 in cas_channels is past 31; it is dropped"));
   std::string spans;
   for (int i = 0; i < 65; ++i) spans += (i ? ";" : "") + std::to_string(i % 65) + "/1";
-  EXPECT_THAT(Messages(cmcfg_tool::CasProblems(spans)),
+  EXPECT_THAT(Messages(cmcfg_tool::CasProblems(spans, parsers)),
               ElementsAre("cas_channels holds more than 64 spans; the rest are ignored"));
   // The same span twice is merged, not counted again.
-  EXPECT_THAT(Messages(cmcfg_tool::CasProblems(spans.substr(0, spans.rfind(';')) + ";0/2")),
-              IsEmpty());
+  EXPECT_THAT(
+      Messages(cmcfg_tool::CasProblems(spans.substr(0, spans.rfind(';')) + ";0/2", parsers)),
+      IsEmpty());
 }
 
 TEST_F(CheckRulesTest, PstnChannelFindingsPointAtThePiece) {
