@@ -1,6 +1,5 @@
 #include "tools/check_findings.h"
 
-#include <fstream>
 #include <nlohmann/json.hpp>
 #include <ostream>
 
@@ -34,16 +33,6 @@ int FindingsStatus(const Findings& findings) {
   for (const Finding& f : findings)
     if (f.error) return 1;
   return 0;
-}
-
-std::vector<std::string> ReadLines(const std::string& path) {
-  std::vector<std::string> lines;
-  std::ifstream in(path, std::ios::binary);
-  for (std::string line; std::getline(in, line);) {
-    if (!line.empty() && line.back() == '\r') line.pop_back();
-    lines.push_back(line);
-  }
-  return lines;
 }
 
 Finding FindingAt(const std::string& file, const std::vector<std::string>& lines, uint32_t line,

@@ -32,9 +32,6 @@ void PrintFindingsJson(const Findings& findings, std::ostream& out);
 // 1 when any finding is an error, else 0.
 int FindingsStatus(const Findings& findings);
 
-// The lines of a file as read from disk, for quoting; line n is at n - 1.
-// Empty when the file cannot be read.
-std::vector<std::string> ReadLines(const std::string& path);
 
 // A finding about `value`, which sits at the value side of the entry on
 // `line` (1-based) of `lines`; the caret goes under the first occurrence of

@@ -5,7 +5,9 @@
 #include <map>
 
 #include "cmcfg/types.h"
+#include "platform/base/file_system.h"
 #include "platform/extension/extension_rep.h"
+#include "tools/root_files.h"
 
 namespace cmcfg_tool {
 namespace {
@@ -26,20 +28,11 @@ Finding FileFinding(const std::string& relative, bool error, const std::string& 
 // relative to the root, sorted.
 std::vector<std::string> ConfigurationFiles(const std::string& root) {
   std::vector<std::string> found;
-  std::error_code error;
-  const fs::path base(root);
-  for (fs::recursive_directory_iterator it(base / "telephony", error), end; !error && it != end;
-       it.increment(error)) {
-    if (it->is_directory() && it->path().filename() == "extensiondb") {
-      it.disable_recursion_pending();
-      continue;
-    }
-    const std::string name = it->path().filename().string();
+  for (const auto& file : FilesBelow(root + "telephony", {"extensiondb"})) {
+    const std::string& name = file.first;
     const bool lock = name.size() > 5 && name.compare(name.size() - 5, 5, ".lock") == 0;
-    if (it->is_regular_file() && name.find(".cfg") != std::string::npos && !lock)
-      found.push_back(it->path().lexically_relative(base).generic_string());
+    if (name.find(".cfg") != std::string::npos && !lock) found.push_back("telephony/" + name);
   }
-  std::sort(found.begin(), found.end());
   return found;
 }
 
@@ -58,7 +51,7 @@ void CheckRootFiles(const std::string& root, const std::vector<std::string>& ext
                     Findings* findings) {
   const std::vector<std::string>& settings = SettingsFiles();
   for (const std::string& relative : settings)
-    if (!fs::exists(root + relative))
+    if (!cfg::FileSystem::Default()->FileExists(root + relative))
       findings->push_back(FileFinding(relative, false, "missing-file",
                                       "the file is missing; the agent uses its defaults"));
   for (const std::string& relative : ConfigurationFiles(root))

@@ -1,17 +1,16 @@
 #include "tools/check_syntax.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <map>
 #include <system_error>
 
 #include "platform/base/document_store.h"
 #include "platform/extension/extension_rep.h"
+#include "tools/root_files.h"
 
 namespace cmcfg_tool {
 namespace {
 
-namespace fs = std::filesystem;
 
 // Settings files read by the agent or its accessors, relative to the root.
 const std::vector<std::string> kSettingsFiles = {
@@ -53,18 +52,6 @@ bool LoadOne(const std::string& root, const std::string& relative, Findings* fin
   }
   files->push_back(std::move(file));
   return true;
-}
-
-std::vector<std::string> SortedEntries(const std::string& folder, bool wantFolders) {
-  std::vector<std::string> names;
-  std::error_code ec;
-  for (fs::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec)) {
-    std::error_code typeEc;
-    if (it->is_directory(typeEc) != wantFolders) continue;
-    names.push_back(it->path().filename().string());
-  }
-  std::sort(names.begin(), names.end());
-  return names;
 }
 
 }  // namespace
@@ -133,9 +120,9 @@ std::vector<CheckedFile> LoadSettingsFiles(const std::string& root, Findings* fi
 std::vector<std::string> ListExtensionFiles(const std::string& root, Findings* findings) {
   std::vector<std::string> files;
   const std::string db = "telephony/extensiondb/";
-  for (const std::string& kind : SortedEntries(root + db, true)) {
+  for (const std::string& kind : EntriesOf(root + db, true)) {
     const std::string folder = db + kind + "/";
-    for (const std::string& name : SortedEntries(root + folder, false)) {
+    for (const std::string& name : EntriesOf(root + folder, false)) {
       const bool cfgSuffix = name.size() >= 4 && name.compare(name.size() - 4, 4, ".cfg") == 0;
       // Locks, temporary files of a save and other names are skipped on
       // purpose by the database; only a .cfg file it refuses is a surprise.

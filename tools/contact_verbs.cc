@@ -12,6 +12,7 @@
 #include "platform/extension/value_rules.h"
 #include "tools/format.h"
 #include "tools/model.h"
+#include "tools/root_files.h"
 #include "tools/session.h"
 #include "tools/text_render.h"
 #include "tools/unified_diff.h"

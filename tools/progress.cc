@@ -1,10 +1,10 @@
 #include "tools/progress.h"
 
+#include "tools/root_files.h"
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <filesystem>
 #include <iostream>
 #include <utility>
 
@@ -21,12 +21,12 @@ constexpr std::chrono::milliseconds kLoadDelay{500};
 // The number of extension and attendant files under the root's extension
 // database, "1,234" style.
 std::string ExtensionFileCount(const std::string& root) {
-  namespace fs = std::filesystem;
   size_t count = 0;
-  std::error_code error;
-  fs::recursive_directory_iterator it(root + "telephony/extensiondb", error), end;
-  for (; !error && it != end; it.increment(error))
-    if (it->path().extension() == ".cfg" && it->path().filename() != "system.cfg") ++count;
+  for (const auto& file : FilesBelow(root + "telephony/extensiondb")) {
+    const std::string& name = file.first;
+    if (name.size() > 4 && name.compare(name.size() - 4, 4, ".cfg") == 0 && name != "system.cfg")
+      ++count;
+  }
   std::string digits = std::to_string(count), text;
   for (size_t i = 0; i < digits.size(); ++i) {
     if (i != 0 && (digits.size() - i) % 3 == 0) text += ',';

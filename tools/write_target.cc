@@ -1,6 +1,5 @@
 #include "tools/write_target.h"
 
-#include <fstream>
 #include <sstream>
 
 #include "platform/base/file_lock.h"
@@ -8,6 +7,7 @@
 #include "platform/extension/extension_rep.h"
 #include "tools/check.h"
 #include "tools/ext.h"
+#include "tools/root_files.h"
 #include "tools/unified_diff.h"
 
 namespace cmcfg_tool {
@@ -26,13 +26,6 @@ void WriteRoot::PrintDiff(const std::string& relative, std::ostream& out) const 
   const std::string diff =
       UnifiedDiff(relative, FileBytes(root_ + relative), FileBytes(path_ + relative));
   out << (diff.empty() ? "nothing would be written\n" : diff);
-}
-
-std::string FileBytes(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream bytes;
-  bytes << in.rdbuf();
-  return bytes.str();
 }
 
 std::string ExtensionFileOf(const ExtensionData& extension) {

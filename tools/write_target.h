@@ -32,9 +32,6 @@ class WriteRoot {
   std::string path_;
 };
 
-// The bytes of a file; "" when it cannot be read.
-std::string FileBytes(const std::string& path);
-
 // "telephony/extensiondb/KIND/NAME.cfg" of an extension.
 std::string ExtensionFileOf(const ExtensionData& extension);
 
