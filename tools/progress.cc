@@ -58,7 +58,7 @@ ProgressLine::ProgressLine(std::function<std::string()> describe, Sink sink,
       delay_(delay),
       start_(std::chrono::steady_clock::now()) {
   if (delay_.count() <= 0) {
-    std::lock_guard<std::mutex> lock(mutex_);
+    MutexLock lock(&mutex_);
     Show(0);
   }
   thread_ = std::thread(&ProgressLine::Run, this);
@@ -67,14 +67,19 @@ ProgressLine::ProgressLine(std::function<std::string()> describe, Sink sink,
 ProgressLine::~ProgressLine() { Finish(); }
 
 void ProgressLine::Finish() {
+  bool shown;
   {
-    std::lock_guard<std::mutex> lock(mutex_);
+    MutexLock lock(&mutex_);
     if (stop_) return;
     stop_ = true;
   }
-  wake_.notify_all();
+  wake_.NotifyAll();
   thread_.join();
-  if (shown_) sink_(kErase);
+  {
+    MutexLock lock(&mutex_);
+    shown = shown_;
+  }
+  if (shown) sink_(kErase);
 }
 
 void ProgressLine::Show(long seconds) {
@@ -84,11 +89,12 @@ void ProgressLine::Show(long seconds) {
 }
 
 void ProgressLine::Run() {
-  std::unique_lock<std::mutex> lock(mutex_);
+  MutexLock lock(&mutex_);
   auto next = start_ + std::max(delay_, std::chrono::milliseconds(0));
   if (shown_) next = start_ + std::chrono::seconds(1);
   for (;;) {
-    if (wake_.wait_until(lock, next, [this] { return stop_; })) return;
+    while (!stop_ && std::chrono::steady_clock::now() < next) wake_.WaitUntil(&mutex_, next);
+    if (stop_) return;
     const auto elapsed = std::chrono::steady_clock::now() - start_;
     const long seconds =
         static_cast<long>(std::chrono::duration_cast<std::chrono::seconds>(elapsed).count());

@@ -2,13 +2,13 @@
 #define CMCFG_TOOLS_PROGRESS_H_
 
 #include <chrono>
-#include <condition_variable>
 #include <functional>
 #include <iosfwd>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <thread>
+
+#include "platform/base/thread_mutex.h"
 
 namespace cmcfg_tool {
 
@@ -37,18 +37,18 @@ class ProgressLine {
   void Finish();
 
  private:
-  void Show(long seconds);  // needs mutex_ held
+  void Show(long seconds) CMCFG_REQUIRES(mutex_);
   void Run();
 
   std::function<std::string()> describe_;
   Sink sink_;
   std::chrono::milliseconds delay_;
   std::chrono::steady_clock::time_point start_;
-  std::mutex mutex_;
-  std::condition_variable wake_;
-  bool stop_ = false;
-  bool shown_ = false;
-  std::string what_;  // describe() once shown
+  ThreadMutex mutex_;
+  ThreadCondition wake_;
+  bool stop_ CMCFG_GUARDED_BY(mutex_) = false;
+  bool shown_ CMCFG_GUARDED_BY(mutex_) = false;
+  std::string what_ CMCFG_GUARDED_BY(mutex_);  // describe() once shown
   std::thread thread_;
 };
 
