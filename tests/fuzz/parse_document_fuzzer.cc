@@ -9,6 +9,7 @@
 #include "platform/base/document.h"
 #include "platform/base/document_lexer.h"
 #include "platform/base/document_parser.h"
+#include "platform/base/document_render.h"
 #include "platform/base/document_store.h"
 #include "tests/fuzz/fuzz_support.h"
 
@@ -139,6 +140,17 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     // Once normalized, the text is a fixed point of the round trip.
     const std::string resaved = again.Serialize();
     FUZZ_CHECK(cfg::Document::Parse(resaved).Serialize() == resaved);
+  }
+
+  // Saved unchanged, a document is its text, byte for byte; edited, what is
+  // saved over the text reads back as the edit.
+  FUZZ_CHECK(cfg::RenderEdited(doc) == text);
+  if (!doc.empty()) {
+    cfg::Section& first = doc[0];
+    if (!first.entries.empty()) doc.Remove(first, std::string(first.entries[0].key));
+    doc.Set(doc[doc.size() - 1], "fuzz_key", "v\n");
+    doc.AddBeside(std::string(doc[0].name) + " fuzz");
+    FUZZ_CHECK(cfg::Document::Parse(cfg::RenderEdited(doc)) == doc);
   }
   return 0;
 }
