@@ -2,10 +2,12 @@
 // default ring pattern.
 #include <algorithm>
 #include <memory>
+#include <optional>
 
 #include "agent/agent_log.h"
 #include "agent/extension_frame.h"
 #include "cmcfg/cm_agent.h"
+#include "platform/base/config_root.h"
 #include "platform/base/thread_mutex.h"
 #include "platform/extension/extension_manager.h"
 
@@ -62,6 +64,11 @@ int CMAgent::LoadExtensionDB(const std::string& name, ExtType type) {
   if (name.empty()) return 0;
   if (type == kExtAttendant) return LoadAttendantDB(name);
 
+  // After Destroy one load reads the extension's file and several settings
+  // files: opened from one descriptor of the root, each costs a system
+  // call less (during the start-up the agent's own scope serves).
+  std::optional<cfg::RootScope> rootScope;
+  if (extensionManager == nullptr) rootScope.emplace();
   ExtensionFrame frame(this, {"*** LoadExtensionDB: failed to load extension %s ***\n", nullptr});
   frame.manager();  // after Destroy: the frame's own, which decodes everything at once
   Extension* stored = frame.Find(type, name, frame.temporary());

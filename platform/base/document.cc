@@ -216,8 +216,14 @@ void Document::IndexSections() {
   }
   size_t slots = 16;
   while (slots < 2 * n + 2) slots *= 2;
-  index_ = std::vector<uint32_t, ArenaAllocator<uint32_t>>(slots, 0,
-                                                           ArenaAllocator<uint32_t>(arena_.get()));
+  if (index_.size() >= slots && index_.size() <= 4 * slots) {
+    // Rebuilt in place (after an Erase): memory given to an arena is not
+    // handed back, so a new table per Erase would pile up.
+    std::fill(index_.begin(), index_.end(), 0u);
+  } else {
+    index_ = std::vector<uint32_t, ArenaAllocator<uint32_t>>(
+        slots, 0, ArenaAllocator<uint32_t>(arena_.get()));
+  }
   indexedData_ = sections_.data();
   indexedSize_ = 0;
   for (size_t i = 0; i < n; ++i) IndexSection(i);

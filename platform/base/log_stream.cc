@@ -6,8 +6,8 @@
 
 #include <chrono>
 #include <cstdlib>
-#include <string_view>
 #include <ctime>
+#include <string_view>
 #include <vector>
 
 namespace {

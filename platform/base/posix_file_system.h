@@ -27,8 +27,11 @@ class PosixFileSystem : public FileSystem {
   // kMaxConfigFileBytes are an IOError whose message names the path and
   // the reason; a FIFO never blocks the call. A path under the
   // configuration root (IsUnderRootName) is read only when the file opened
-  // lies inside the root (OpenedInsideRoot): a symbolic link out of the
-  // root is an IOError, and nothing outside is read.
+  // lies inside the root: a symbolic link out of the root is an IOError,
+  // and nothing outside is read. While a RootScope lives the file is opened
+  // beneath the root's descriptor, where the kernel refuses such links (an
+  // open, fstat, read and close); otherwise, or for an absolute link, what
+  // was opened is checked with OpenedInsideRoot (a readlink more).
   Status ReadFile(const std::string& path, std::string* contents) override;
   // A file below Arena::kSmallText costs open, fstat, one read and close:
   // the read asks for one byte more than the size, and coming back short it

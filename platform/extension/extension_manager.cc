@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "platform/base/document_store.h"
-#include "platform/base/file_system.h"
 #include "platform/extension/extension_rep.h"
 
 namespace extdb {

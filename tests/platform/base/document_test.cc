@@ -54,6 +54,30 @@ TEST_F(DocumentTest, DuplicatesAreKeptAndLookupsReturnTheFirst) {
   EXPECT_EQ(2u, doc[0].entries.size());
 }
 
+// Large enough to be indexed: Find agrees with a scan for the first of
+// each name through adds and erases, and a moved document keeps finding.
+TEST_F(DocumentTest, FindReturnsTheFirstOfEachNameThroughAddsAndErases) {
+  std::string text;
+  for (int i = 0; i < 40; ++i) text += "section s" + std::to_string(i % 30) + "\n{\n}\n";
+  Document doc = Document::Parse(text);
+  auto expect_first = [&](const Document& d) {
+    for (int i = 0; i < 45; ++i) {
+      const std::string name = "s" + std::to_string(i);
+      const Section* first = nullptr;
+      for (const Section& section : d.sections())
+        if (section.name == name && first == nullptr) first = &section;
+      EXPECT_EQ(first, d.Find(name)) << name;
+    }
+  };
+  expect_first(doc);
+  for (size_t at : {0u, 5u, 29u, 0u}) doc.Erase(at);
+  expect_first(doc);
+  for (const char* name : {"s40", "s41", "s3", "s42", "s43", "s44"}) doc.Add(name);
+  expect_first(doc);
+  Document moved = std::move(doc);
+  expect_first(moved);
+}
+
 TEST_F(DocumentTest, HonoursCustomMarkersGivenAsWholeLines) {
   Syntax syntax;
   syntax.keyword = "block";
