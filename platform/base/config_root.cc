@@ -13,7 +13,8 @@
 #include <atomic>
 #include <cstdlib>
 #include <memory>
-#include <mutex>
+
+#include "platform/base/thread_mutex.h"
 
 namespace cfg {
 
@@ -120,9 +121,9 @@ struct RootHandle {
 };
 
 struct Scopes {
-  std::mutex mu;
-  int count = 0;
-  std::shared_ptr<RootHandle> handle;  // null until first needed
+  ThreadMutex mu;
+  int count CMCFG_GUARDED_BY(mu) = 0;
+  std::shared_ptr<RootHandle> handle CMCFG_GUARDED_BY(mu);  // null until first needed
 };
 
 Scopes& TheScopes() {
@@ -136,7 +137,7 @@ std::atomic<bool> g_no_openat2{false};
 // lives or it was opened for another root.
 std::shared_ptr<RootHandle> HandleFor(const std::string& root) {
   Scopes& scopes = TheScopes();
-  std::lock_guard<std::mutex> lock(scopes.mu);
+  MutexLock lock(&scopes.mu);
   if (scopes.count == 0) return nullptr;
   if (scopes.handle == nullptr) {
     auto handle = std::make_shared<RootHandle>();
@@ -152,13 +153,13 @@ std::shared_ptr<RootHandle> HandleFor(const std::string& root) {
 
 RootScope::RootScope() {
   Scopes& scopes = TheScopes();
-  std::lock_guard<std::mutex> lock(scopes.mu);
+  MutexLock lock(&scopes.mu);
   ++scopes.count;
 }
 
 RootScope::~RootScope() {
   Scopes& scopes = TheScopes();
-  std::lock_guard<std::mutex> lock(scopes.mu);
+  MutexLock lock(&scopes.mu);
   // A reader still holding the handle keeps the descriptor open until it
   // is done.
   if (--scopes.count == 0) scopes.handle.reset();

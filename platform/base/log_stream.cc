@@ -47,7 +47,7 @@ LogStream::LogStream(const char* name, bool console, bool timestamps, int maxByt
       syncEach_(syncEach) {}
 
 LogStream::~LogStream() {
-  std::lock_guard<std::mutex> lock(mu_);
+  MutexLock lock(&mu_);
   WriteHeld();
   if (file_ != nullptr) fclose(file_);
 }
@@ -91,7 +91,7 @@ void LogStream::TRACE(unsigned char level, const char* format, va_list args,
     line = stamped;
   }
 
-  std::lock_guard<std::mutex> lock(mu_);
+  MutexLock lock(&mu_);
   if (console_) fwrite(line.data(), 1, line.size(), stderr);
   if (maxBytes_ > 0 && written_ > 0 && written_ + static_cast<long>(line.size()) > maxBytes_) {
     WriteHeld();
@@ -112,18 +112,18 @@ void LogStream::TRACE(unsigned char level, const char* format, va_list args,
 }
 
 void LogStream::Hold() {
-  std::lock_guard<std::mutex> lock(mu_);
+  MutexLock lock(&mu_);
   holding_ = true;
 }
 
 void LogStream::Release() {
-  std::lock_guard<std::mutex> lock(mu_);
+  MutexLock lock(&mu_);
   WriteHeld();
   holding_ = false;
 }
 
 void LogStream::Flush() {
-  std::lock_guard<std::mutex> lock(mu_);
+  MutexLock lock(&mu_);
   WriteHeld();
 }
 

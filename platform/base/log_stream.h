@@ -4,8 +4,9 @@
 #include <cstdarg>
 #include <cstdint>
 #include <cstdio>
-#include <mutex>
 #include <string>
+
+#include "platform/base/thread_mutex.h"
 
 // A trace log file. A relative name is placed in the folder named by the
 // environment variable "CMCFG_LOG_DIR" when it is set, else in the current
@@ -54,10 +55,9 @@ class LogStream {
   const std::string& path() const { return path_; }
 
  private:
-  // All need mu_ held.
-  bool Open();
-  void Rotate();
-  void WriteHeld();
+  bool Open() CMCFG_REQUIRES(mu_);
+  void Rotate() CMCFG_REQUIRES(mu_);
+  void WriteHeld() CMCFG_REQUIRES(mu_);
 
   std::string path_;
   bool console_;
@@ -66,12 +66,12 @@ class LogStream {
   int keepFiles_;
   unsigned lineBuffer_;
   bool syncEach_;
-  std::mutex mu_;
-  FILE* file_ = nullptr;
-  long written_ = 0;  // the file's size, held bytes included
-  bool holding_ = false;
-  std::string held_;
-  int64_t heldSince_ = 0;  // steady clock, of the oldest held line
+  ThreadMutex mu_;
+  FILE* file_ CMCFG_GUARDED_BY(mu_) = nullptr;
+  long written_ CMCFG_GUARDED_BY(mu_) = 0;  // the file's size, held bytes included
+  bool holding_ CMCFG_GUARDED_BY(mu_) = false;
+  std::string held_ CMCFG_GUARDED_BY(mu_);
+  int64_t heldSince_ CMCFG_GUARDED_BY(mu_) = 0;  // steady clock, of the oldest held line
 };
 
 #endif  // CMCFG_PLATFORM_BASE_LOG_STREAM_H_

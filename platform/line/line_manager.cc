@@ -3,13 +3,13 @@
 #include <chrono>
 #include <memory>
 #include <cstdlib>
-#include <mutex>
 #include <unordered_map>
 #include <vector>
 
 #include "platform/base/document_store.h"
 #include "platform/base/file_system.h"
 #include "platform/base/number_rules.h"
+#include "platform/base/thread_mutex.h"
 
 namespace {
 
@@ -17,14 +17,15 @@ namespace {
 // "fxo 1/1" (gateway/line).
 const char* const kKinds[] = {"binding", "fxs", "fxo"};
 
-std::mutex& LineDbMutex() {
-  static std::mutex mu;
-  return mu;
-}
+// The line database named for the load, and its lock.
+struct LineDb {
+  ThreadMutex mu;
+  std::string name CMCFG_GUARDED_BY(mu);
+};
 
-std::string& LineDbName() {
-  static std::string name;
-  return name;
+LineDb& TheLineDb() {
+  static LineDb* db = new LineDb;  // never destroyed: used until exit
+  return *db;
 }
 
 bool ParseNumber(std::string_view text, uint32_t* value) {
@@ -209,14 +210,14 @@ class IndexCache {
   std::shared_ptr<const LineIndex> Current(const std::string& path, int type, bool exists,
                                            const cfg::FileInfo& version) {
     {
-      std::lock_guard<std::mutex> lock(mu_);
+      MutexLock lock(&mu_);
       for (const auto& index : indexes_)
         if (index->type == type && index->path == path && Fresh(*index, exists, version))
           return index;
     }
     // Read outside the lock: one slow reader must not hold up the others.
     std::shared_ptr<const LineIndex> fresh = BuildIndex(path, type, exists, version);
-    std::lock_guard<std::mutex> lock(mu_);
+    MutexLock lock(&mu_);
     for (auto& index : indexes_) {
       if (index->type == type && index->path == path) {
         index = fresh;
@@ -234,8 +235,8 @@ class IndexCache {
 
  private:
   static constexpr size_t kKept = 8;
-  std::mutex mu_;
-  std::vector<std::shared_ptr<const LineIndex>> indexes_;  // oldest first
+  ThreadMutex mu_;
+  std::vector<std::shared_ptr<const LineIndex>> indexes_ CMCFG_GUARDED_BY(mu_);  // oldest first
 };
 
 }  // namespace
@@ -339,16 +340,19 @@ LineManager::LineManager(LineMngType type, const std::string& path, bool readNow
 LineManager::~LineManager() = default;
 
 void LineManager::SetLineDB(const std::string& path) {
-  std::lock_guard<std::mutex> lock(LineDbMutex());
-  LineDbName() = path;
+  LineDb& db = TheLineDb();
+  MutexLock lock(&db.mu);
+  db.name = path;
 }
 
 void LineManager::UnsetLineDB() {
-  std::lock_guard<std::mutex> lock(LineDbMutex());
-  LineDbName().clear();
+  LineDb& db = TheLineDb();
+  MutexLock lock(&db.mu);
+  db.name.clear();
 }
 
 std::string LineManager::GetLineDB() {
-  std::lock_guard<std::mutex> lock(LineDbMutex());
-  return LineDbName();
+  LineDb& db = TheLineDb();
+  MutexLock lock(&db.mu);
+  return db.name;
 }
