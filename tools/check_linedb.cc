@@ -11,8 +11,6 @@
 namespace cmcfg_tool {
 namespace {
 
-const char* const kKinds[] = {"binding", "fxs", "fxo"};
-
 std::string Endpoint(uint32_t gateway, uint32_t line) {
   return std::to_string(gateway) + "/" + std::to_string(line);
 }
@@ -31,19 +29,6 @@ std::set<unsigned long> GatewayIds(const std::vector<CheckedFile>& files) {
 
 }  // namespace
 
-bool ParseLineSection(std::string_view name, std::string_view* kind, uint32_t* gateway,
-                      uint32_t* line) {
-  const size_t blank = name.find(' ');
-  if (blank == std::string_view::npos) return false;
-  bool known = false;
-  for (const char* k : kKinds) known = known || name.substr(0, blank) == k;
-  if (!known) return false;
-  const std::string_view endpoint = name.substr(blank + 1);
-  if (!ParseLineEndpoint(endpoint, gateway, line)) return false;
-  *kind = name.substr(0, blank);
-  return true;
-}
-
 void CheckLineDatabase(const std::vector<CheckedFile>& files, Findings* findings) {
   const CheckedFile* file = FindFile(files, "telephony/linedb");
   if (file == nullptr) return;
@@ -52,23 +37,24 @@ void CheckLineDatabase(const std::vector<CheckedFile>& files, Findings* findings
   std::map<std::pair<std::string_view, uint64_t>, const cfg::Section*> first;
   std::vector<std::pair<const cfg::Section*, std::pair<uint32_t, uint32_t>>> bindings;
   for (const cfg::Section& section : file->doc.sections()) {
-    std::string_view kind;
+    int type = 0;
     uint32_t gateway = 0, line = 0;
-    if (!ParseLineSection(section.name, &kind, &gateway, &line)) {
+    if (!ParseLineSection(section.name, &type, &gateway, &line)) {
       findings->push_back(SectionFinding(*file, section, false, "unknown-section",
                                          "section \"" + std::string(section.name) +
                                              "\" is no line-database entry (binding, fxs or fxo "
                                              "G/L); it is ignored"));
       continue;
     }
+    const std::string_view kind = LineSectionKind(type);
     const uint64_t key = (uint64_t{gateway} << 32) | line;
     auto inserted = first.emplace(std::make_pair(kind, key), &section);
     if (inserted.second) {
-      if (kind == "binding") bindings.push_back({&section, {gateway, line}});
+      if (type == LineManagerBase::kLineDb) bindings.push_back({&section, {gateway, line}});
       continue;
     }
     // The same name is a duplicate section, reported with the syntax.
-    if (inserted.first->second->name == section.name || kind != "binding") continue;
+    if (inserted.first->second->name == section.name || type != LineManagerBase::kLineDb) continue;
     findings->push_back(SectionFinding(
         *file, section, false, "port-bound-twice",
         "FXS port " + Endpoint(gateway, line) + " is bound twice; the binding at line " +
@@ -83,7 +69,8 @@ void CheckLineDatabase(const std::vector<CheckedFile>& files, Findings* findings
                                          "gateway " + std::to_string(gateway) + " of " + name +
                                              " is not in telephony/gateways.cfg; the extension "
                                              "is not bound"));
-    } else if (first.count({"fxs", (uint64_t{gateway} << 32) | line}) == 0) {
+    } else if (first.count({LineSectionKind(LineManagerBase::kFxsLines),
+                            (uint64_t{gateway} << 32) | line}) == 0) {
       findings->push_back(SectionFinding(*file, section, false, "missing-fxs",
                                          "no section \"fxs " + Endpoint(gateway, line) +
                                              "\" for " + name + "; the extension is not bound"));

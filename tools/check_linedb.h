@@ -10,12 +10,6 @@
 
 namespace cmcfg_tool {
 
-// Reads a line-database section name "KIND G/L" (KIND one of binding, fxs,
-// fxo; G and L decimal, 32 bits) the way the line database does. False for
-// any other name.
-bool ParseLineSection(std::string_view name, std::string_view* kind, uint32_t* gateway,
-                      uint32_t* line);
-
 // Checks "telephony/linedb": sections the line database ignores (another
 // name, or an endpoint that is not G/L), FXS ports bound twice under
 // different spellings (the first binding is read), and bindings the agent

@@ -136,10 +136,20 @@ const cfg::KeyRules* LineSectionRules(std::string_view name) {
     return rules;
   }();
   uint32_t gateway = 0, line = 0;
-  for (int type = 0; type < 3; ++type)
-    if (ParseEndpoint(name, type, &gateway, &line)) return &kRules[type];
-  return nullptr;
+  int kind = 0;
+  return ParseLineSection(name, &kind, &gateway, &line) ? &kRules[kind] : nullptr;
 }
+
+bool ParseLineSection(std::string_view name, int* kind, uint32_t* gateway, uint32_t* line) {
+  for (int type = 0; type < 3; ++type)
+    if (ParseEndpoint(name, type, gateway, line)) {
+      *kind = type;
+      return true;
+    }
+  return false;
+}
+
+const char* LineSectionKind(int kind) { return kind >= 0 && kind < 3 ? kKinds[kind] : ""; }
 
 bool ParseLineEndpoint(std::string_view endpoint, uint32_t* gateway, uint32_t* line) {
   const size_t slash = endpoint.find('/');

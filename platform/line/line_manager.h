@@ -18,6 +18,13 @@ inline constexpr uint32_t gUndefinedLine = 0xFFFFFFFFu;
 // The line database names its sections "KIND G/L".
 bool ParseLineEndpoint(std::string_view endpoint, uint32_t* gateway, uint32_t* line);
 
+// Reads a section name of the line database: its kind's keyword
+// ("binding", "fxs" or "fxo": *kind, a LineManagerBase::LineMngType)
+// and its endpoint "G/L". False for a name the line database never reads.
+bool ParseLineSection(std::string_view name, int* kind, uint32_t* gateway, uint32_t* line);
+// The keyword of a kind of section ("binding", "fxs", "fxo").
+const char* LineSectionKind(int kind);
+
 // The keys the line database reads from a section named `name` ("binding
 // G/L", "fxs G/L", "fxo G/L") and which values it takes, for checkers;
 // nullptr for a section it never reads. Static and shared; thread-safe.
