@@ -53,8 +53,8 @@ bool PutInPlace(const std::string& source, const std::string& target, std::ostre
   cfg::Status status = fs->ReadFile(source, &contents);
   if (status.ok()) {
     cfg::FileLock lock(target);
-    status = lock.locked() ? fs->WriteFileAtomic(target, contents)
-                           : cfg::Status::TimedOut("another process holds the lock of " + target);
+    // Noted in the lock: a kill half-way leaves no temporary for long.
+    status = lock.locked() ? cfg::WriteNotingTemporary(target, contents) : lock.status();
   }
   if (status.ok()) return true;
   err << "cmcfg: cannot put " << source << " in place of " << target << ": " << status.ToString()
