@@ -12,6 +12,7 @@
 
 #include "platform/base/document.h"
 #include "platform/base/key_rules.h"
+#include "platform/base/number_rules.h"
 #include "platform/base/value_codec.h"
 
 namespace cfg {
@@ -24,7 +25,7 @@ template <typename Owner>
 struct Field {
   using Member =
       std::variant<int32_t Owner::*, uint32_t Owner::*, uint16_t Owner::*, uint8_t Owner::*,
-                   std::string Owner::*,
+                   CNumber Owner::*, std::string Owner::*,
                    std::list<std::string> Owner::*, std::vector<unsigned long> Owner::*>;
   const char* key;
   Member member;

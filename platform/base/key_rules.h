@@ -15,6 +15,8 @@
 
 namespace cfg {
 
+struct CNumber;  // number_rules.h
+
 // The values of a key that mean something to the exchange: numbers from
 // `min` to `max`, or one of `choices`. The reader still reads a value
 // outside its domain as written, but it cannot work (a port of 99999, a
@@ -80,7 +82,8 @@ KeyRule RuleFor(std::string key) {
       T value{};
       return ParseValue(text, &value);
     };
-    if constexpr (std::is_same_v<T, int32_t>) rule.expected = "a number";
+    if constexpr (std::is_same_v<T, int32_t> || std::is_same_v<T, CNumber>)
+      rule.expected = "a number";
     if constexpr (std::is_same_v<T, uint32_t>) rule.expected = "a number from 0 to 4294967295";
     if constexpr (std::is_same_v<T, uint16_t>) rule.expected = "a number from 0 to 65535";
     if constexpr (std::is_same_v<T, uint8_t>) rule.expected = "a number from 0 to 255";

@@ -15,6 +15,10 @@ bool ParseCNumber(std::string_view text, int32_t* out) {
   return true;
 }
 
+bool ParseValue(std::string_view text, CNumber* out) { return ParseCNumber(text, &out->value); }
+
+std::string FormatValue(CNumber number) { return std::to_string(number.value); }
+
 uint32_t CUnsignedOrZero(std::string_view text) {
   std::string value(text);
   if (value.empty() || value[0] == '-') return 0;

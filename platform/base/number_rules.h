@@ -1,6 +1,7 @@
 #ifndef CMCFG_PLATFORM_BASE_NUMBER_RULES_H_
 #define CMCFG_PLATFORM_BASE_NUMBER_RULES_H_
 
+#include <cstdint>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -16,6 +17,14 @@ namespace cfg {
 // the whole text, within int32; false otherwise. The line database's
 // numbers, which its own tools write that way.
 bool ParseCNumber(std::string_view text, int32_t* out);
+
+// A field-table member read with ParseCNumber (field_table.h): the
+// value, kept when the text is not such a number.
+struct CNumber {
+  int32_t value = 0;
+};
+bool ParseValue(std::string_view text, CNumber* out);
+std::string FormatValue(CNumber number);  // decimal
 
 // C conventions as ParseCNumber, not negative, within 32 bits; 0 for
 // anything else. The fax encodings' parameters ("fax.cfg").

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/base/document_store.h"
+#include "platform/base/field_table.h"
 #include "platform/base/file_system.h"
 #include "platform/base/number_rules.h"
 #include "platform/base/thread_mutex.h"
@@ -66,75 +67,70 @@ bool Settled(const cfg::FileInfo& info) {
   return age >= kUnsettledNanos || age <= -kUnsettledNanos;
 }
 
-// The keys of one kind of entry: at most one text, and numbers that fall
-// back to their default when missing or not a number.
-struct NumberKey {
-  const char* key;
-  int32_t fallback;
-  void (*store)(LineBase* entry, int32_t value);
+// The keys of each kind of entry, read with the field tables: a number
+// that is missing or not a number keeps the default given here.
+struct BindingKeys {
+  std::string extension;
+  cfg::CNumber presentationId;
+};
+const cfg::Field<BindingKeys> kBindingFields[] = {
+    {"extension", &BindingKeys::extension},
+    {"presentation_id", &BindingKeys::presentationId},
 };
 
-struct EntryKeys {
-  const char* textKey;  // nullptr when the kind has none
-  std::string LineBase::*text;
-  std::vector<NumberKey> numbers;
+struct FxsKeys {
+  cfg::CNumber symmetricRtp, disconnectMode, disconnectMin, disconnectMax;
+  cfg::CNumber disconnectDelay{5};
+  cfg::CNumber callerIdType, rtpProxy;
+};
+const cfg::Field<FxsKeys> kFxsFields[] = {
+    {"symmetric_rtp", &FxsKeys::symmetricRtp},
+    {"disconnect_mode", &FxsKeys::disconnectMode},
+    {"disconnect_min_ms", &FxsKeys::disconnectMin},
+    {"disconnect_max_ms", &FxsKeys::disconnectMax},
+    {"disconnect_delay_s", &FxsKeys::disconnectDelay},
+    {"caller_id_type", &FxsKeys::callerIdType},
+    {"rtp_proxy", &FxsKeys::rtpProxy},
 };
 
-const EntryKeys& KeysOf(int type) {
-  static const EntryKeys kKeys[] = {
-      {"extension",
-       &LineBase::extension,
-       {{"presentation_id", 0,
-         [](LineBase* e, int32_t v) { e->presentationId = static_cast<uint32_t>(v); }}}},
-      {nullptr,
-       nullptr,
-       {{"symmetric_rtp", 0, [](LineBase* e, int32_t v) { e->symmetricRtp = v; }},
-        {"disconnect_mode", 0, [](LineBase* e, int32_t v) { e->disconnect[0] = v; }},
-        {"disconnect_min_ms", 0, [](LineBase* e, int32_t v) { e->disconnect[1] = v; }},
-        {"disconnect_max_ms", 0, [](LineBase* e, int32_t v) { e->disconnect[2] = v; }},
-        {"disconnect_delay_s", 5, [](LineBase* e, int32_t v) { e->disconnect[3] = v; }},
-        {"caller_id_type", 0, [](LineBase* e, int32_t v) { e->fxsExtra = v; }},
-        {"rtp_proxy", 0, [](LineBase* e, int32_t v) { e->rtpProxy = v; }}}},
-      {"number", &LineBase::fxoNumber, {{"enabled", 1, [](LineBase* e, int32_t v) {
-                                           e->fxoEnabled = v;
-                                         }}}},
-  };
-  return kKeys[type];
-}
+struct FxoKeys {
+  std::string number;
+  cfg::CNumber enabled{1};
+};
+const cfg::Field<FxoKeys> kFxoFields[] = {
+    {"number", &FxoKeys::number},
+    {"enabled", &FxoKeys::enabled},
+};
 
 void ReadEntry(const cfg::Section& s, int type, LineBase* entry) {
-  const EntryKeys& keys = KeysOf(type);
-  if (keys.textKey != nullptr) entry->*keys.text = std::string(s.Get(keys.textKey));
-  for (const NumberKey& number : keys.numbers) {
-    int32_t value = number.fallback;
-    if (const cfg::Entry* found = s.Find(number.key)) cfg::ParseCNumber(found->value, &value);
-    number.store(entry, value);
+  if (type == LineManagerBase::kLineDb) {
+    BindingKeys keys;
+    cfg::ReadFields(s, kBindingFields, &keys);
+    entry->extension = std::move(keys.extension);
+    entry->presentationId = static_cast<uint32_t>(keys.presentationId.value);
+  } else if (type == LineManagerBase::kFxsLines) {
+    FxsKeys keys;
+    cfg::ReadFields(s, kFxsFields, &keys);
+    entry->symmetricRtp = keys.symmetricRtp.value;
+    entry->disconnect[0] = keys.disconnectMode.value;
+    entry->disconnect[1] = keys.disconnectMin.value;
+    entry->disconnect[2] = keys.disconnectMax.value;
+    entry->disconnect[3] = keys.disconnectDelay.value;
+    entry->fxsExtra = keys.callerIdType.value;
+    entry->rtpProxy = keys.rtpProxy.value;
+  } else {
+    FxoKeys keys;
+    cfg::ReadFields(s, kFxoFields, &keys);
+    entry->fxoNumber = std::move(keys.number);
+    entry->fxoEnabled = keys.enabled.value;
   }
 }
 
 }  // namespace
 
 const cfg::KeyRules* LineSectionRules(std::string_view name) {
-  static const std::vector<cfg::KeyRules> kRules = [] {
-    std::vector<cfg::KeyRules> rules;
-    for (int type = 0; type < 3; ++type) {
-      const EntryKeys& keys = KeysOf(type);
-      cfg::KeyRules& kind = rules.emplace_back();
-      if (keys.textKey != nullptr) kind.push_back(cfg::RuleFor<std::string>(keys.textKey));
-      for (const NumberKey& number : keys.numbers) {
-        cfg::KeyRule rule;
-        rule.key = number.key;
-        rule.accepts = [](std::string_view text) {
-          int32_t value = 0;
-          return cfg::ParseCNumber(text, &value);
-        };
-        rule.expected = "a number";
-        rule.fallback = "the default is kept";
-        kind.push_back(std::move(rule));
-      }
-    }
-    return rules;
-  }();
+  static const cfg::KeyRules kRules[] = {cfg::FieldRules(kBindingFields),
+                                         cfg::FieldRules(kFxsFields), cfg::FieldRules(kFxoFields)};
   uint32_t gateway = 0, line = 0;
   int kind = 0;
   return ParseLineSection(name, &kind, &gateway, &line) ? &kRules[kind] : nullptr;
