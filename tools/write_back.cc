@@ -1,11 +1,11 @@
 #include "tools/write_back.h"
 
 #include <algorithm>
+#include <functional>
 #include <ostream>
 #include <sstream>
 
 #include "cmcfg/cm_agent.h"
-#include "platform/base/file_lock.h"
 #include "platform/base/document_store.h"
 #include "platform/extension/extension_rep.h"
 #include "platform/extension/value_rules.h"
@@ -177,7 +177,21 @@ int RunForward(const Invocation& invocation, std::ostream& out, std::ostream& er
       });
 }
 
-int RunBlock(const Invocation& invocation, std::ostream& out, std::ostream& err) {
+namespace {
+
+// What the block and unblock verbs share: the number checked before
+// anything loads, and its blocking in the direction asked for.
+struct Blocking {
+  const std::string& number;
+  CallType type;
+  bool outgoing;
+  Tree before;
+};
+using BlockingChange = std::function<int(CMAgent&, ExtensionData&, const std::string& file,
+                                         const Blocking&, std::ostream& report)>;
+
+int ChangeBlocking(const Invocation& invocation, std::ostream& out, std::ostream& err,
+                   const BlockingChange& change) {
   const std::string& number = invocation.operands.at(1);
   const CallType type = CallTypeOf(invocation);
   const cfg::Status valid = extdb::CheckContactName(type, number);
@@ -187,68 +201,76 @@ int RunBlock(const Invocation& invocation, std::ostream& out, std::ostream& err)
       [&](CMAgent& agent, ExtensionData& extension, const std::string& file,
           std::ostream& report) -> int {
         const bool outgoing = invocation.outgoing;
-        const Tree before = BlockingOf(extension.addressBook, number, type, outgoing);
+        const Blocking blocking{number, type, outgoing,
+                                BlockingOf(extension.addressBook, number, type, outgoing)};
+        return change(agent, extension, file, blocking, report);
+      });
+}
+
+std::string BlockingTitle(const Blocking& b) {
+  return std::string(b.outgoing ? "outgoing" : "incoming") + " blocking of " + b.number;
+}
+
+}  // namespace
+
+int RunBlock(const Invocation& invocation, std::ostream& out, std::ostream& err) {
+  return ChangeBlocking(
+      invocation, out, err,
+      [&](CMAgent& agent, ExtensionData& extension, const std::string& file, const Blocking& b,
+          std::ostream& report) -> int {
         int result;
         {
           BaseLock lock(agent);
-          result = agent.BlockContact(&extension, number, type, !outgoing);
+          result = agent.BlockContact(&extension, b.number, b.type, !b.outgoing);
         }
         if (result == 1) {
-          report << number << " is already blocked; nothing to change\n";
+          report << b.number << " is already blocked; nothing to change\n";
           return kOk;
         }
         if (result != 0) {
-          err << "cmcfg: could not block " << number << " in " << file << " (see --log-dir)\n";
+          err << "cmcfg: could not block " << b.number << " in " << file << " (see --log-dir)\n";
           return kFindings;
         }
-        const Tree after = BlockingOf(extension.addressBook, number, type, outgoing);
-        PrintChange(std::string(outgoing ? "outgoing" : "incoming") + " blocking of " + number +
-                        " (" + CallTypeName(type) + ") for " + extension.name,
-                    before, after, report);
-        return Verified(after, BlockingOf(StoredBook(agent, extension), number, type, outgoing),
+        const Tree after = BlockingOf(extension.addressBook, b.number, b.type, b.outgoing);
+        PrintChange(BlockingTitle(b) + " (" + CallTypeName(b.type) + ") for " + extension.name,
+                    b.before, after, report);
+        return Verified(after,
+                        BlockingOf(StoredBook(agent, extension), b.number, b.type, b.outgoing),
                         file, err);
       });
 }
 
 int RunUnblock(const Invocation& invocation, std::ostream& out, std::ostream& err) {
-  const std::string& number = invocation.operands.at(1);
-  const CallType type = CallTypeOf(invocation);
-  const cfg::Status valid = extdb::CheckContactName(type, number);
-  if (!valid.ok()) return Refused(valid, err);
-  return ChangeExtension(
+  return ChangeBlocking(
       invocation, out, err,
-      [&](CMAgent& agent, ExtensionData& extension, const std::string& file,
+      [&](CMAgent& agent, ExtensionData& extension, const std::string& file, const Blocking& b,
           std::ostream& report) -> int {
-        const bool outgoing = invocation.outgoing;
-        const Tree before = BlockingOf(extension.addressBook, number, type, outgoing);
-        if (!before.is_object() || !On(before["active"])) {
-          report << number << " is not blocked; nothing to change\n";
+        if (!b.before.is_object() || !On(b.before["active"])) {
+          report << b.number << " is not blocked; nothing to change\n";
           return kOk;
         }
-        const unsigned long id = before["contact_id"].get<unsigned long>();
+        const unsigned long id = b.before["contact_id"].get<unsigned long>();
         const std::string section =
-            extdb::ServiceSection(id, outgoing ? "outgoing_blocking" : "incoming_blocking");
+            extdb::ServiceSection(id, b.outgoing ? "outgoing_blocking" : "incoming_blocking");
         // As the web configuration saves it: the flag alone, under the lock.
         const cfg::Status saved = cfg::UpdateDocument(file, [&](cfg::Document& doc) {
           cfg::Section* blocking = doc.Find(section);
           return blocking != nullptr && doc.Set(*blocking, "active", "0");
         });
         if (!saved.ok()) {
-          err << "cmcfg: could not unblock " << number << " in " << file << ": " << saved.ToString()
-              << "\n";
+          err << "cmcfg: could not unblock " << b.number << " in " << file << ": "
+              << saved.ToString() << "\n";
           return kFindings;
         }
         {
           BaseLock lock(agent);
           agent.UpdateSupServices(&extension, static_cast<int>(id),
-                                  outgoing ? UpdateTypeCodes::kUpdateOutgoingBlocking
-                                           : UpdateTypeCodes::kUpdateIncomingBlocking);
+                                  b.outgoing ? UpdateTypeCodes::kUpdateOutgoingBlocking
+                                             : UpdateTypeCodes::kUpdateIncomingBlocking);
         }
-        const Tree after = BlockingOf(extension.addressBook, number, type, outgoing);
-        PrintChange(std::string(outgoing ? "outgoing" : "incoming") + " blocking of " + number +
-                        " for " + extension.name,
-                    before, after, report);
-        return On(after["active"]) ? Verified(after, before, file, err) : kOk;
+        const Tree after = BlockingOf(extension.addressBook, b.number, b.type, b.outgoing);
+        PrintChange(BlockingTitle(b) + " for " + extension.name, b.before, after, report);
+        return On(after["active"]) ? Verified(after, b.before, file, err) : kOk;
       });
 }
 
