@@ -5,6 +5,7 @@
 #include <string>
 
 #include "cmcfg/cm_agent.h"
+#include "platform/extension/ext_property.h"
 #include "platform/extension/extension_manager.h"
 
 // The two failure lines of one operation: the stored extension is missing,
@@ -47,34 +48,39 @@ class ExtensionFrame {
   // or nullptr after logging the missing line.
   CHAttendant* FindAttendant(const std::string& name, bool system, bool preloadAll = false);
 
-  // Loads `property` of `stored` and returns its block, or nullptr after
-  // logging the property line.
+  // Loads the property whose block is Block of `stored` and returns the
+  // block, or nullptr after logging the property line.
   template <typename Block>
-  Block* Property(Extension* stored, const std::string& name, unsigned property,
-                  Block* (Extension::*block)()) {
-    stored->LoadProperty(property);
-    Block* found = (stored->*block)();
+  Block* Property(Extension* stored, const std::string& name) {
+    const extdb::Property<Block>& row = extdb::PropertyOf<Block>();
+    return Load(stored, name, row.mask, row.get);
+  }
+
+  // The same for a property of more than one section (the address book).
+  template <typename Block>
+  Block* Load(Extension* stored, const std::string& name, unsigned mask,
+              Block* (Extension::*get)()) {
+    stored->LoadProperty(mask);
+    Block* found = (stored->*get)();
     if (found == nullptr) Log(lines_.property, name);
     return found;
   }
 
   // The whole read: `given` when the caller has the block, else the
-  // property's block of the stored extension of that type and name.
+  // block of the stored extension of that type and name.
   template <typename Block>
-  Block* Fetch(Block* given, ExtType type, const std::string& name, unsigned property,
-               Block* (Extension::*block)()) {
+  Block* Fetch(Block* given, ExtType type, const std::string& name) {
     if (given != nullptr) return given;
     Extension* stored = Find(type, name);
-    return stored ? Property(stored, name, property, block) : nullptr;
+    return stored ? Property<Block>(stored, name) : nullptr;
   }
 
   // The same for an attendant.
   template <typename Block>
-  Block* FetchAttendant(Block* given, const std::string& name, bool system, unsigned property,
-                        Block* (Extension::*block)()) {
+  Block* FetchAttendant(Block* given, const std::string& name, bool system) {
     if (given != nullptr) return given;
     Extension* stored = FindAttendant(name, system);
-    return stored ? Property(stored, name, property, block) : nullptr;
+    return stored ? Property<Block>(stored, name) : nullptr;
   }
 
   // Logs one of the operation's lines (when the agent logs); a null line

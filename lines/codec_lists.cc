@@ -104,8 +104,7 @@ bool CMAgent::FillFaxCodecs(const char* names, std::list<FaxCodecInfo>& faxCodec
 bool CMAgent::GetCodecData(ExtensionData* extension, ExtCodecParams* block) {
   if (extension == nullptr) return false;
   ExtensionFrame frame(this, CMCFG_FRAME_LINES("GetCodecData"));
-  block = frame.Fetch(block, extension->type, extension->name, kPropCodecs,
-                      &Extension::GetCodecParams);
+  block = frame.Fetch(block, extension->type, extension->name);
   if (block == nullptr) return false;
   LineSettings& line = extension->line;
   AddLineCodecsToList(block->voiceCodecs, line.voiceCodecs, true, false, false);
@@ -120,9 +119,7 @@ bool CMAgent::GetCodecData(ExtensionData* extension, ExtCodecParams* block) {
 bool CMAgent::GetAttCodecData(Attendant* attendant, ExtCodecParams* block) {
   if (attendant == nullptr) return false;
   ExtensionFrame frame(this, CMCFG_FRAME_LINES("GetAttCodecData"));
-  block = frame.FetchAttendant(block, attendant->name, IsSystemAttendant(*this, *attendant),
-                               kPropCodecs,
-                               &Extension::GetCodecParams);
+  block = frame.FetchAttendant(block, attendant->name, IsSystemAttendant(*this, *attendant));
   if (block == nullptr) return false;
   AddLineCodecsToList(block->voiceCodecs, attendant->voiceCodecs, true, false, false);
   // An attendant without its own voice codecs offers the system's default

@@ -75,8 +75,7 @@ bool CMAgent::GetPstnAgentData(bool createIfMissing) {
 bool CMAgent::GetPstnAgentsChannels(ExtensionData* extension, ExtPstnAgentParams* block) {
   if (extension == nullptr) return false;
   ExtensionFrame frame(this, CMCFG_FRAME_LINES("GetPstnAgentsChannels"));
-  block = frame.Fetch(block, extension->type, extension->name, kPropPstnAgent,
-                      &Extension::GetPstnAgentParams);
+  block = frame.Fetch(block, extension->type, extension->name);
   if (block == nullptr) return false;
   GetCasData(block->casChannels, &extension->cas.spans);
   GetIsdnData(block->isdnChannels, &extension->isdn.channels);

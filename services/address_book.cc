@@ -13,8 +13,8 @@ bool CMAgent::LoadAddressBook(ExtensionData* extension) {
   ExtensionFrame frame(this, CMCFG_FRAME_LINES("LoadAddressBook"));
   Extension* stored = frame.Find(extension->type, extension->name);
   if (stored == nullptr) return false;
-  AddressPatternParams* patterns = frame.Property(stored, extension->name, kPropAddressPatterns,
-                                                  &Extension::GetAddressPatternParams);
+  AddressPatternParams* patterns = frame.Load(stored, extension->name, kPropAddressPatterns,
+                                              &Extension::GetAddressPatternParams);
   if (patterns == nullptr) return false;
   for (const AddressPatternBlock* block : patterns->GetAllBlocks()) {
     book.emplace_back(Contact(block->name, static_cast<int32_t>(block->id),

@@ -37,11 +37,9 @@ bool CMAgent::GetServicesTimeouts(ExtensionData* extension, ExtServicesParams* s
                                   ExtTimeoutsParams* timeouts, bool keepLineMedia) {
   if (extension == nullptr) return false;
   ExtensionFrame frame(this, CMCFG_FRAME_LINES("GetServicesTimeouts"));
-  services = frame.Fetch(services, extension->type, extension->name, kPropServices,
-                         &Extension::GetServicesParams);
+  services = frame.Fetch(services, extension->type, extension->name);
   if (services == nullptr) return false;
-  timeouts = frame.Fetch(timeouts, extension->type, extension->name, kPropTimeouts,
-                         &Extension::GetTimeoutsParams);
+  timeouts = frame.Fetch(timeouts, extension->type, extension->name);
   if (timeouts == nullptr) return false;
   CopyServices(*services, extension);
   extension->noAnswerTimeout = timeouts->noAnswerTimeout;
@@ -57,8 +55,7 @@ bool CMAgent::GetServicesTimeouts(ExtensionData* extension, ExtServicesParams* s
 bool CMAgent::GetCallParkData(ExtensionData* extension, CallParkGeneralParams* block) {
   if (extension == nullptr) return false;
   ExtensionFrame frame(this, CMCFG_FRAME_LINES("GetCallParkData"));
-  block = frame.Fetch(block, extension->type, extension->name, kPropCallPark,
-                      &Extension::GetCallParkParams);
+  block = frame.Fetch(block, extension->type, extension->name);
   if (block == nullptr) return false;
   extension->callParkTimeout = static_cast<int32_t>(block->timeoutMinutes * kSecondsPerMinute);
   CMCFG_TRACE(this, "GetCallParkData: extension %s, timeout - %lu sec.\n", extension->name.c_str(),
@@ -69,8 +66,7 @@ bool CMAgent::GetCallParkData(ExtensionData* extension, CallParkGeneralParams* b
 bool CMAgent::GetPersonalInfo(ExtensionData* extension, ExtPersonalInfoParams* block) {
   if (extension == nullptr) return false;
   ExtensionFrame frame(this, CMCFG_FRAME_LINES("GetPersonalInfo"));
-  block = frame.Fetch(block, extension->type, extension->name, kPropPersonalInfo,
-                      &Extension::GetPersonalInfoParams);
+  block = frame.Fetch(block, extension->type, extension->name);
   if (block == nullptr) return false;
   extension->displayName = block->fullName;
   extension->userClass = block->userClass;
@@ -87,8 +83,7 @@ bool CMAgent::GetPersonalInfo(ExtensionData* extension, ExtPersonalInfoParams* b
 bool CMAgent::GetAccessList(ExtensionData* extension, AccessListParams* block) {
   if (extension == nullptr) return false;
   ExtensionFrame frame(this, CMCFG_FRAME_LINES("GetAccessList"));
-  block = frame.Fetch(block, extension->type, extension->name, kPropAccessList,
-                      &Extension::GetAccessListParams);
+  block = frame.Fetch(block, extension->type, extension->name);
   if (block == nullptr) return false;
   std::list<AccessData>& list = extension->accessList;
   list.clear();
@@ -108,8 +103,7 @@ bool CMAgent::GetAccessList(ExtensionData* extension, AccessListParams* block) {
 bool CMAgent::GetGroupList(ExtensionData* extension, PickupGroupParams* block) {
   if (extension == nullptr) return false;
   ExtensionFrame frame(this, CMCFG_FRAME_LINES("GetGroupList"));
-  block = frame.Fetch(block, extension->type, extension->name, kPropPickupGroup,
-                      &Extension::GetPickupGroupParams);
+  block = frame.Fetch(block, extension->type, extension->name);
   if (block == nullptr) return false;
   extension->groupMembers = block->members;
   CMCFG_TRACE(this, "GetGroupList: extension %s, list size = %u.\n", extension->name.c_str(),
@@ -120,8 +114,7 @@ bool CMAgent::GetGroupList(ExtensionData* extension, PickupGroupParams* block) {
 bool CMAgent::GetAutoRedialData(ExtensionData* extension, ExtBusyRedialParams* block) {
   if (extension == nullptr) return false;
   ExtensionFrame frame(this, CMCFG_FRAME_LINES("GetAutoRedialData"));
-  block = frame.Fetch(block, extension->type, extension->name, kPropBusyRedial,
-                      &Extension::GetBusyRedialParams);
+  block = frame.Fetch(block, extension->type, extension->name);
   if (block == nullptr) return false;
   extension->redialInterval = block->interval;
   extension->redialPeriod = static_cast<uint32_t>(block->periodMinutes * kSecondsPerMinute);
@@ -134,8 +127,7 @@ bool CMAgent::GetAutoRedialData(ExtensionData* extension, ExtBusyRedialParams* b
 bool CMAgent::GetAutoCallData(ExtensionData* extension, ExtAutoCallParams* block) {
   if (extension == nullptr) return false;
   ExtensionFrame frame(this, CMCFG_FRAME_LINES("GetAutoCallData"));
-  block = frame.Fetch(block, extension->type, extension->name, kPropAutoCall,
-                      &Extension::GetAutoCallParams);
+  block = frame.Fetch(block, extension->type, extension->name);
   if (block == nullptr) return false;
   extension->autoCall.enabled = block->enabled;
   extension->autoCall.destination = block->destination;

@@ -20,8 +20,7 @@ bool CMAgent::GetSipData(ExtensionData* extension, ExtSipSettingsParams* block,
                          std::string* userName) {
   if (extension == nullptr) return false;
   ExtensionFrame frame(this, CMCFG_FRAME_LINES("GetSipData"));
-  block = frame.Fetch(block, extension->type, extension->name, kPropSipSettings,
-                      &Extension::GetSipSettingsParams);
+  block = frame.Fetch(block, extension->type, extension->name);
   if (block == nullptr) return false;
   FillSip(this, *block, userName, &extension->sip);
   CMCFG_TRACE(this, "GetSipData: extension %s, sip: %s@%s:%s\n", extension->name.c_str(),
@@ -34,7 +33,7 @@ bool CMAgent::GetAttIpData(Attendant* attendant, bool system, std::string* userN
   if (attendant == nullptr) return false;
   ExtensionFrame frame(this, CMCFG_FRAME_LINES("GetAttIpData"));
   ExtSipSettingsParams* block = frame.FetchAttendant<ExtSipSettingsParams>(
-      nullptr, attendant->name, system, kPropSipSettings, &Extension::GetSipSettingsParams);
+      nullptr, attendant->name, system);
   if (block == nullptr) return false;
   FillSip(this, *block, userName, &attendant->sip);
   CMCFG_TRACE(this, "GetAttIpData: extension %s, sip: %s@%s:%s\n", attendant->name.c_str(),

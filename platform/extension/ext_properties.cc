@@ -3,6 +3,7 @@
 
 #include "platform/base/field_table.h"
 #include "platform/base/value_codec.h"
+#include "platform/extension/ext_property.h"
 #include "platform/extension/extension_rep.h"
 
 namespace extdb {
@@ -25,146 +26,13 @@ bool ParseAddressEntry(std::string_view text, AddrInfo* out) {
 
 namespace {
 
-const cfg::Field<ExtSipSettingsParams> kSipFields[] = {
-    {"auth_name", &ExtSipSettingsParams::authName},
-    {"user_name", &ExtSipSettingsParams::userName},
-    {"password", &ExtSipSettingsParams::password},
-    {"host", &ExtSipSettingsParams::host},
-    {"port", &ExtSipSettingsParams::port, &cfg::kPortDomain},
-    {"proxy", &ExtSipSettingsParams::proxy},
-    {"outbound_proxy", &ExtSipSettingsParams::outboundProxy},
-    {"transport", &ExtSipSettingsParams::transport, &cfg::kTransportDomain},
-    {"domain", &ExtSipSettingsParams::domain},
-    {"display_name", &ExtSipSettingsParams::displayName},
-    {"contact", &ExtSipSettingsParams::contact},
-    {"register_expiry", &ExtSipSettingsParams::registerExpiry, &cfg::kCountDomain},
-    {"registration_enabled", &ExtSipSettingsParams::registrationEnabled, &cfg::kFlagDomain},
-    {"sip_keep_alive", &ExtSipSettingsParams::sipKeepAlive, &cfg::kCountDomain},
-};
-
-const cfg::Field<ExtPersonalInfoParams> kPersonalFields[] = {
-    {"full_name", &ExtPersonalInfoParams::fullName},
-    {"email", &ExtPersonalInfoParams::email},
-    {"password", &ExtPersonalInfoParams::password},
-    {"password_policy", &ExtPersonalInfoParams::passwordPolicy},
-    {"language", &ExtPersonalInfoParams::language},
-    {"user_class", &ExtPersonalInfoParams::userClass},
-    {"remote_access", &ExtPersonalInfoParams::remoteAccess},
-    {"tos_profile", &ExtPersonalInfoParams::tosProfile},
-    {"queue_enabled", &ExtPersonalInfoParams::queueEnabled, &cfg::kFlagDomain},
-    {"queue_size", &ExtPersonalInfoParams::queueSize, &cfg::kCountDomain},
-    {"queue_mode", &ExtPersonalInfoParams::queueMode},
-    {"queue_disabled", &ExtPersonalInfoParams::queueDisabled},
-    {"queue_overflow", &ExtPersonalInfoParams::queueOverflow, &cfg::kFlagDomain},
-    {"announcement_enabled", &ExtPersonalInfoParams::announcementEnabled, &cfg::kFlagDomain},
-    {"announcement_value", &ExtPersonalInfoParams::announcementValue},
-    {"announcement_text", &ExtPersonalInfoParams::announcementText},
-    {"announcement_repeat", &ExtPersonalInfoParams::announcementRepeat, &cfg::kCountDomain},
-};
-
-const cfg::Field<ExtServicesParams> kServicesFields[] = {
-    {"call_waiting", &ExtServicesParams::callWaiting, &cfg::kFlagDomain},
-    {"do_not_disturb", &ExtServicesParams::doNotDisturb},
-    {"hotline", &ExtServicesParams::hotline},
-    {"call_transfer", &ExtServicesParams::callTransfer, &cfg::kFlagDomain},
-    {"voice_mail_mode", &ExtServicesParams::voiceMailMode},
-    {"voice_mail_rings", &ExtServicesParams::voiceMailRings, &cfg::kCountDomain},
-    {"voice_mail_box", &ExtServicesParams::voiceMailBox},
-    {"remote_control", &ExtServicesParams::remoteControl},
-    {"fax_mode_a", &ExtServicesParams::faxModeA},
-    {"fax_mode_b", &ExtServicesParams::faxModeB},
-    {"fax_param3", &ExtServicesParams::faxParam3},
-    {"fax_tone_detection", &ExtServicesParams::faxToneDetection, &cfg::kFlagDomain},
-    {"fax_tone_forced", &ExtServicesParams::faxToneForced, &cfg::kFlagDomain},
-    {"fax_profile", &ExtServicesParams::faxProfile},
-    {"modem_mode", &ExtServicesParams::modemMode},
-    {"conference_allowed", &ExtServicesParams::conferenceAllowed, &cfg::kFlagDomain},
-    {"conference_max_parties", &ExtServicesParams::conferenceMaxParties, &cfg::kCountDomain},
-    {"call_pickup_allowed", &ExtServicesParams::callPickupAllowed, &cfg::kFlagDomain},
-    {"call_pickup_group", &ExtServicesParams::callPickupGroup},
-    {"intrusion_allowed", &ExtServicesParams::intrusionAllowed, &cfg::kFlagDomain},
-    {"intrusion_level", &ExtServicesParams::intrusionLevel},
-    {"music_on_hold", &ExtServicesParams::musicOnHold},
-    {"caller_id_presentation", &ExtServicesParams::callerIdPresentation},
-    {"call_hold_allowed", &ExtServicesParams::callHoldAllowed, &cfg::kFlagDomain},
-    {"anonymous_call_rejection", &ExtServicesParams::anonymousRejection, &cfg::kFlagDomain},
-};
-
-const cfg::Field<ExtTimeoutsParams> kTimeoutsFields[] = {
-    {"no_answer_timeout", &ExtTimeoutsParams::noAnswerTimeout, &cfg::kCountDomain},
-    {"call_park_timeout", &ExtTimeoutsParams::callParkTimeout, &cfg::kCountDomain},
-    {"dial_timeout", &ExtTimeoutsParams::dialTimeout, &cfg::kCountDomain},
-};
-
-const cfg::Field<ExtCodecParams> kCodecFields[] = {
-    {"voice_codecs", &ExtCodecParams::voiceCodecs},
-    {"fax_codecs", &ExtCodecParams::faxCodecs},
-    {"extra_voice_codecs", &ExtCodecParams::extraVoiceCodecs},
-    {"modem_codecs", &ExtCodecParams::modemCodecs},
-    {"codec_option", &ExtCodecParams::codecOption},
-};
-
-const cfg::Field<ExtPstnAgentParams> kPstnAgentFields[] = {
-    {"fxo_channels", &ExtPstnAgentParams::fxoChannels},
-    {"cas_channels", &ExtPstnAgentParams::casChannels},
-    {"isdn_channels", &ExtPstnAgentParams::isdnChannels},
-};
-
-const cfg::Field<CallParkGeneralParams> kCallParkFields[] = {
-    {"timeout_minutes", &CallParkGeneralParams::timeoutMinutes, &cfg::kCountDomain},
-};
-
-const cfg::Field<PickupGroupParams> kPickupFields[] = {
-    {"members", &PickupGroupParams::members},
-};
-
-const cfg::Field<ExtBusyRedialParams> kBusyRedialFields[] = {
-    {"interval", &ExtBusyRedialParams::interval, &cfg::kCountDomain},
-    {"period_minutes", &ExtBusyRedialParams::periodMinutes, &cfg::kCountDomain},
-};
-
-const cfg::Field<ExtAutoCallParams> kAutoCallFields[] = {
-    {"enabled", &ExtAutoCallParams::enabled, &cfg::kFlagDomain},
-    {"destination", &ExtAutoCallParams::destination},
-};
-
-const cfg::Field<AttGeneralParams> kAttendantFields[] = {
-    {"console_mode", &AttGeneralParams::consoleMode},
-    {"night_mode", &AttGeneralParams::nightMode},
-    {"queue_size", &AttGeneralParams::queueSize, &cfg::kCountDomain},
-    {"ring_timeout", &AttGeneralParams::ringTimeout, &cfg::kCountDomain},
-    {"welcome_message", &AttGeneralParams::welcomeMessage},
-    {"night_destination", &AttGeneralParams::nightDestination},
-    {"tos_profile", &AttGeneralParams::tosProfile},
-};
-
-// The section of each property that has one section.
-struct PropertySection {
-  unsigned property;
-  const char* name;
-};
-const PropertySection kPropertySections[] = {
-    {kPropSipSettings, "sip"},
-    {kPropPersonalInfo, "personal"},
-    {kPropServices, "services"},
-    {kPropTimeouts, "timeouts"},
-    {kPropCodecs, "codecs"},
-    {kPropServiceCodes, "service_codes"},
-    {kPropPstnAgent, "pstn_agent"},
-    {kPropCallPark, "call_park"},
-    {kPropAccessList, "access_list"},
-    {kPropPickupGroup, "pickup_group"},
-    {kPropBusyRedial, "busy_redial"},
-    {kPropAutoCall, "auto_call"},
-    {kPropAttendantGeneral, "attendant"},
-    {kPropAttendantConsole, "attendant"},  // one section serves both
-};
-
 // The section of a one-section property in the file, or nullptr.
 const cfg::Section* SectionOf(const cfg::Document& doc, unsigned property) {
-  for (const PropertySection& known : kPropertySections)
-    if (known.property == property) return doc.Find(known.name);
-  return nullptr;
+  const char* name = nullptr;
+  ForEachProperty([&](const auto& row) {
+    if (name == nullptr && (row.mask & property)) name = row.section;
+  });
+  return name != nullptr ? doc.Find(name) : nullptr;
 }
 
 bool HasPrefixedSection(const cfg::Document& doc, std::string_view prefix) {
@@ -174,21 +42,10 @@ bool HasPrefixedSection(const cfg::Document& doc, std::string_view prefix) {
   return false;
 }
 
-// The block of a property: its section's values, or the defaults when the
-// file has no such section.
-template <typename Block, size_t N>
-Block Decode(const cfg::Document& doc, unsigned property, const cfg::Field<Block> (&fields)[N]) {
-  Block block;
-  block.property = property;
-  const cfg::Section* section = SectionOf(doc, property);
-  if (section != nullptr) cfg::ReadFields(*section, fields, &block);
-  return block;
-}
+}  // namespace
 
-ExtServiceCodesParams DecodeServiceCodes(const cfg::Document& doc) {
+ExtServiceCodesParams DecodeServiceCodes(const cfg::Section* section) {
   ExtServiceCodesParams block;
-  block.property = kPropServiceCodes;
-  const cfg::Section* section = SectionOf(doc, kPropServiceCodes);
   if (section == nullptr) return block;
   // One walk over the entries, each key read as "code_N" where it stands:
   // no key text is built per code. The first entry of a key counts, as
@@ -210,6 +67,15 @@ ExtServiceCodesParams DecodeServiceCodes(const cfg::Document& doc) {
   return block;
 }
 
+cfg::KeyRules ServiceCodeRules() {
+  cfg::KeyRules codes;
+  for (int i = 0; i < ExtServiceCodesParams::kCount; ++i)
+    codes.push_back(cfg::RuleFor<std::string>("code_" + std::to_string(i + 1)));
+  return codes;
+}
+
+namespace {
+
 // "entry_N = priority,enabled,type,address"; false when a piece does not
 // parse (the entry is skipped).
 bool ParseAccessEntry(std::string_view value, AccessListParams::Entry* out) {
@@ -223,10 +89,10 @@ bool ParseAccessEntry(std::string_view value, AccessListParams::Entry* out) {
   return true;
 }
 
-AccessListParams DecodeAccessList(const cfg::Document& doc) {
+}  // namespace
+
+AccessListParams DecodeAccessList(const cfg::Section* section) {
   AccessListParams block;
-  block.property = kPropAccessList;
-  const cfg::Section* section = SectionOf(doc, kPropAccessList);
   if (section == nullptr) return block;
   ForNumberedKeys(*section, "entry_", [&](std::string_view value) {
     AccessListParams::Entry entry;
@@ -234,6 +100,18 @@ AccessListParams DecodeAccessList(const cfg::Document& doc) {
   });
   return block;
 }
+
+cfg::KeyRules AccessListRules() {
+  return {cfg::NumberedRule(
+      "entry_",
+      [](std::string_view value) {
+        AccessListParams::Entry entry;
+        return ParseAccessEntry(value, &entry);
+      },
+      "\"priority,enabled,type,address\"")};
+}
+
+namespace {
 
 const char kSpeedDialPrefix[] = "speed_dial ";
 
@@ -263,44 +141,12 @@ void DecodeSpeedDial(const cfg::Document& doc, Extension::Rep* rep) {
   }
 }
 
-// The keys Decode takes from a one-section property's section.
-cfg::KeyRules PropertyRules(unsigned property) {
-  switch (property) {
-    case kPropSipSettings: return cfg::FieldRules(kSipFields);
-    case kPropPersonalInfo: return cfg::FieldRules(kPersonalFields);
-    case kPropServices: return cfg::FieldRules(kServicesFields);
-    case kPropTimeouts: return cfg::FieldRules(kTimeoutsFields);
-    case kPropCodecs: return cfg::FieldRules(kCodecFields);
-    case kPropServiceCodes: {
-      cfg::KeyRules codes;
-      for (int i = 0; i < ExtServiceCodesParams::kCount; ++i)
-        codes.push_back(cfg::RuleFor<std::string>("code_" + std::to_string(i + 1)));
-      return codes;
-    }
-    case kPropPstnAgent: return cfg::FieldRules(kPstnAgentFields);
-    case kPropCallPark: return cfg::FieldRules(kCallParkFields);
-    case kPropAccessList:
-      return {cfg::NumberedRule(
-          "entry_",
-          [](std::string_view value) {
-            AccessListParams::Entry entry;
-            return ParseAccessEntry(value, &entry);
-          },
-          "\"priority,enabled,type,address\"")};
-    case kPropPickupGroup: return cfg::FieldRules(kPickupFields);
-    case kPropBusyRedial: return cfg::FieldRules(kBusyRedialFields);
-    case kPropAutoCall: return cfg::FieldRules(kAutoCallFields);
-    default: return cfg::FieldRules(kAttendantFields);  // both attendant properties
-  }
-}
-
 }  // namespace
 
 const cfg::KeyRules* PropertySectionRules(std::string_view name) {
   static const cfg::SectionRules kRules = [] {
     cfg::SectionRules rules;
-    for (const PropertySection& known : kPropertySections)
-      rules[known.name] = PropertyRules(known.property);
+    ForEachProperty([&](const auto& row) { rules[row.section] = row.rules(); });
     return rules;
   }();
   auto it = kRules.find(name);
@@ -313,30 +159,14 @@ const cfg::KeyRules* SpeedDialRules(std::string_view name, unsigned long* id) {
 }
 
 void DecodeProperties(const cfg::Document& doc, unsigned mask, Extension::Rep* rep) {
-  // A block that is there is assigned, not replaced, so that pointers
-  // handed out before a reload stay valid.
-  auto assign = [&](unsigned property, auto& slot, auto decode) {
-    if (mask & property) slot = decode();
-  };
-  assign(kPropSipSettings, rep->sip, [&] { return Decode(doc, kPropSipSettings, kSipFields); });
-  assign(kPropPersonalInfo, rep->personal,
-         [&] { return Decode(doc, kPropPersonalInfo, kPersonalFields); });
-  assign(kPropServices, rep->services, [&] { return Decode(doc, kPropServices, kServicesFields); });
-  assign(kPropTimeouts, rep->timeouts, [&] { return Decode(doc, kPropTimeouts, kTimeoutsFields); });
-  assign(kPropCodecs, rep->codecs, [&] { return Decode(doc, kPropCodecs, kCodecFields); });
-  assign(kPropServiceCodes, rep->serviceCodes, [&] { return DecodeServiceCodes(doc); });
-  assign(kPropPstnAgent, rep->pstnAgent,
-         [&] { return Decode(doc, kPropPstnAgent, kPstnAgentFields); });
-  assign(kPropCallPark, rep->callPark, [&] { return Decode(doc, kPropCallPark, kCallParkFields); });
-  assign(kPropAccessList, rep->accessList, [&] { return DecodeAccessList(doc); });
-  assign(kPropPickupGroup, rep->pickupGroup,
-         [&] { return Decode(doc, kPropPickupGroup, kPickupFields); });
-  assign(kPropBusyRedial, rep->busyRedial,
-         [&] { return Decode(doc, kPropBusyRedial, kBusyRedialFields); });
-  assign(kPropAutoCall, rep->autoCall, [&] { return Decode(doc, kPropAutoCall, kAutoCallFields); });
-  // One section serves both attendant properties.
-  assign(kPropAttendantGeneral | kPropAttendantConsole, rep->attendant,
-         [&] { return Decode(doc, kPropAttendantGeneral, kAttendantFields); });
+  ForEachProperty([&](const auto& row) {
+    if (!(mask & row.mask)) return;
+    // A block that is there is assigned, not replaced, so that pointers
+    // handed out before a reload stay valid.
+    auto& slot = rep->*row.slot;
+    slot = row.decode(doc.Find(row.section));
+    slot->property = row.bit;
+  });
   if (mask & kPropSpeedDial) DecodeSpeedDial(doc, rep);
 }
 

@@ -5,6 +5,7 @@
 
 #include "platform/base/document_store.h"
 #include "platform/base/file_system.h"
+#include "platform/extension/ext_property.h"
 #include "platform/extension/extension_rep.h"
 #include "platform/extension/value_rules.h"
 
@@ -92,49 +93,41 @@ unsigned KindProperties(ExtType type) {
 // Loaded properties of the extension's kind always have their block
 // (defaults for an absent section).
 template <typename Block>
-Block* Loaded(const Extension::Rep& rep, unsigned property, std::optional<Block>& block) {
-  return (rep.loaded & property & KindProperties(rep.type)) && block ? &*block : nullptr;
+Block* LoadedBlock(Extension::Rep& rep) {
+  const extdb::Property<Block>& row = extdb::PropertyOf<Block>();
+  std::optional<Block>& block = rep.*row.slot;
+  return (rep.loaded & row.mask & KindProperties(rep.type)) && block ? &*block : nullptr;
 }
 
 }  // namespace
 
 ExtSipSettingsParams* Extension::GetSipSettingsParams() {
-  return Loaded(*rep_, kPropSipSettings, rep_->sip);
+  return LoadedBlock<ExtSipSettingsParams>(*rep_);
 }
 ExtPersonalInfoParams* Extension::GetPersonalInfoParams() {
-  return Loaded(*rep_, kPropPersonalInfo, rep_->personal);
+  return LoadedBlock<ExtPersonalInfoParams>(*rep_);
 }
-ExtServicesParams* Extension::GetServicesParams() {
-  return Loaded(*rep_, kPropServices, rep_->services);
-}
-ExtTimeoutsParams* Extension::GetTimeoutsParams() {
-  return Loaded(*rep_, kPropTimeouts, rep_->timeouts);
-}
-ExtCodecParams* Extension::GetCodecParams() { return Loaded(*rep_, kPropCodecs, rep_->codecs); }
+ExtServicesParams* Extension::GetServicesParams() { return LoadedBlock<ExtServicesParams>(*rep_); }
+ExtTimeoutsParams* Extension::GetTimeoutsParams() { return LoadedBlock<ExtTimeoutsParams>(*rep_); }
+ExtCodecParams* Extension::GetCodecParams() { return LoadedBlock<ExtCodecParams>(*rep_); }
 ExtServiceCodesParams* Extension::GetServiceCodesParams() {
-  return Loaded(*rep_, kPropServiceCodes, rep_->serviceCodes);
+  return LoadedBlock<ExtServiceCodesParams>(*rep_);
 }
 ExtPstnAgentParams* Extension::GetPstnAgentParams() {
-  return Loaded(*rep_, kPropPstnAgent, rep_->pstnAgent);
+  return LoadedBlock<ExtPstnAgentParams>(*rep_);
 }
 CallParkGeneralParams* Extension::GetCallParkParams() {
-  return Loaded(*rep_, kPropCallPark, rep_->callPark);
+  return LoadedBlock<CallParkGeneralParams>(*rep_);
 }
-AccessListParams* Extension::GetAccessListParams() {
-  return Loaded(*rep_, kPropAccessList, rep_->accessList);
-}
+AccessListParams* Extension::GetAccessListParams() { return LoadedBlock<AccessListParams>(*rep_); }
 PickupGroupParams* Extension::GetPickupGroupParams() {
-  return Loaded(*rep_, kPropPickupGroup, rep_->pickupGroup);
+  return LoadedBlock<PickupGroupParams>(*rep_);
 }
 ExtBusyRedialParams* Extension::GetBusyRedialParams() {
-  return Loaded(*rep_, kPropBusyRedial, rep_->busyRedial);
+  return LoadedBlock<ExtBusyRedialParams>(*rep_);
 }
-ExtAutoCallParams* Extension::GetAutoCallParams() {
-  return Loaded(*rep_, kPropAutoCall, rep_->autoCall);
-}
-AttGeneralParams* Extension::GetAttGeneralParams() {
-  return Loaded(*rep_, kPropAttendantGeneral | kPropAttendantConsole, rep_->attendant);
-}
+ExtAutoCallParams* Extension::GetAutoCallParams() { return LoadedBlock<ExtAutoCallParams>(*rep_); }
+AttGeneralParams* Extension::GetAttGeneralParams() { return LoadedBlock<AttGeneralParams>(*rep_); }
 
 std::list<SpeedDialBlock*> Extension::GetSpeedDialBlocks() {
   std::list<SpeedDialBlock*> blocks;
