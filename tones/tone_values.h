@@ -4,28 +4,21 @@
 // How the tone reader turns a value's text into a number, shared by the
 // reader and by the rules it publishes (tone_key_rules.h).
 
-#include <sstream>
 #include <string>
+
+#include "platform/base/number_rules.h"
 
 namespace tones {
 
-// A formatted read into a zeroed target: text that does not start with a
-// number gives 0 (not the default), "425Hz" gives 425.
+// A number as the tone file gives it: the number the text starts with
+// ("425Hz" gives 425), 0 when it starts with none (not the default).
 template <typename T>
 T ReadNumber(const std::string& text) {
-  T value = 0;
-  std::istringstream in(text);
-  in >> value;
-  return value;
+  return cfg::LeadingValue<T>(text);
 }
 
 // The same for a flag: "1" is on, anything that does not read as 0 or 1 off.
-inline bool ReadFlag(const std::string& text) {
-  bool value = false;
-  std::istringstream in(text);
-  in >> value;
-  return value;
-}
+inline bool ReadFlag(const std::string& text) { return cfg::LeadingValue<bool>(text); }
 
 }  // namespace tones
 
