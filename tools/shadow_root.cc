@@ -2,7 +2,9 @@
 
 #include <filesystem>
 
+#include "platform/base/file_system.h"
 #include "platform/extension/extension_rep.h"
+#include "tools/root_files.h"
 
 namespace cmcfg_tool {
 namespace {
@@ -16,18 +18,17 @@ bool Place(const fs::path& from, const fs::path& to, bool copies) {
   return !error;
 }
 
-// Every regular file below `from` placed below `to`, folders recreated.
-bool PlaceTree(const fs::path& from, const fs::path& to, bool copies) {
+// Every file below `from` placed below `to`, folders recreated. The root
+// is listed through the store's file system, as every read of it is.
+bool PlaceTree(const std::string& from, const fs::path& to, bool copies) {
   std::error_code error;
   fs::create_directories(to, error);
   if (error) return false;
-  for (fs::directory_iterator it(from, error), end; !error && it != end; it.increment(error)) {
-    const fs::path target = to / it->path().filename();
-    const bool ok = it->is_directory() ? PlaceTree(it->path(), target, copies)
-                                       : Place(it->path(), target, copies);
-    if (!ok) return false;
-  }
-  return !error;
+  for (const std::string& name : EntriesOf(from, true))
+    if (!PlaceTree(from + "/" + name, to / name, copies)) return false;
+  for (const std::string& name : EntriesOf(from, false))
+    if (!Place(from + "/" + name, to / name, copies)) return false;
+  return true;
 }
 
 }  // namespace
@@ -35,32 +36,37 @@ bool PlaceTree(const fs::path& from, const fs::path& to, bool copies) {
 ShadowRoot::ShadowRoot(const std::string& root, const std::vector<std::string>& names,
                        bool copies) {
   if (dir_.path().empty()) return;
-  const fs::path from = fs::path(root) / "telephony", to = fs::path(dir_.path()) / "telephony";
+  const std::string from = root + "/telephony";
+  const fs::path to = fs::path(dir_.path()) / "telephony";
   std::error_code error;
   fs::create_directories(to, error);
-  for (fs::directory_iterator it(from, error), end; !error && it != end; it.increment(error)) {
-    const fs::path target = to / it->path().filename();
-    if (it->path().filename() != "extensiondb") {
-      if (!(it->is_directory() ? PlaceTree(it->path(), target, copies)
-                               : Place(it->path(), target, copies)))
-        return;
+  if (error) return;
+  for (const std::string& name : EntriesOf(from, false))
+    if (!Place(from + "/" + name, to / name, copies)) return;
+  for (const std::string& folder : EntriesOf(from, true)) {
+    if (folder != "extensiondb") {
+      if (!PlaceTree(from + "/" + folder, to / folder, copies)) return;
       continue;
     }
-    fs::create_directories(target, error);
-    for (fs::directory_iterator db(it->path(), error); !error && db != end; db.increment(error)) {
-      const fs::path placed = target / db->path().filename();
-      if (!db->is_directory()) {
-        if (!Place(db->path(), placed, copies)) return;
-        continue;
-      }
+    // Only the named extensions of the database.
+    const std::string db = from + "/" + folder;
+    fs::create_directories(to / folder, error);
+    if (error) return;
+    for (const std::string& name : EntriesOf(db, false))
+      if (!Place(db + "/" + name, to / folder / name, copies)) return;
+    for (const std::string& kind : EntriesOf(db, true)) {
+      const fs::path placed = to / folder / kind;
       fs::create_directories(placed, error);
-      for (const std::string& name : names)
-        if (extdb::IsValidName(name) && fs::exists(db->path() / (name + ".cfg")) &&
-            !Place(db->path() / (name + ".cfg"), placed / (name + ".cfg"), copies))
+      if (error) return;
+      for (const std::string& name : names) {
+        const std::string file = db + "/" + kind + "/" + name + ".cfg";
+        if (extdb::IsValidName(name) && cfg::FileSystem::Default()->FileExists(file) &&
+            !Place(file, placed / (name + ".cfg"), copies))
           return;
+      }
     }
   }
-  if (!error) path_ = dir_.path();
+  path_ = dir_.path();
 }
 
 }  // namespace cmcfg_tool
