@@ -249,20 +249,30 @@ const std::string& LargeFile() {
   return path;
 }
 
+// The whole file mapped and paged in (munmap it with *size), or nullptr.
+void* MapWhole(const std::string& path, size_t* size) {
+  const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  struct stat st {};
+  if (fd < 0 || fstat(fd, &st) != 0) {
+    if (fd >= 0) close(fd);
+    return nullptr;
+  }
+  *size = static_cast<size_t>(st.st_size);
+  void* map = mmap(nullptr, *size, PROT_READ, MAP_PRIVATE | MAP_POPULATE, fd, 0);
+  close(fd);
+  return map == MAP_FAILED ? nullptr : map;
+}
+
 // The floor: the file mapped and every line found, nothing else.
 void BM_ParseFloorMmapMemchr(benchmark::State& state) {
   const std::string& path = LargeFile();
   size_t size = 0;
   for (auto _ : state) {
-    const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    struct stat st {};
-    if (fd < 0 || fstat(fd, &st) != 0) {
+    void* map = MapWhole(path, &size);
+    if (map == nullptr) {
       state.SkipWithError("cannot open the file");
       return;
     }
-    size = static_cast<size_t>(st.st_size);
-    void* map = mmap(nullptr, size, PROT_READ, MAP_PRIVATE | MAP_POPULATE, fd, 0);
-    close(fd);
     const char* p = static_cast<const char*>(map);
     const char* end = p + size;
     size_t lines = 0;
@@ -289,15 +299,12 @@ void BM_ParseReference(benchmark::State& state) {
   RefDocument doc;
   for (auto _ : state) {
     // Mapped, as the floor reads it: no copy of the text at all.
-    const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    struct stat st {};
-    if (fd < 0 || fstat(fd, &st) != 0) {
+    size_t size = 0;
+    void* map = MapWhole(path, &size);
+    if (map == nullptr) {
       state.SkipWithError("cannot open the file");
       return;
     }
-    const size_t size = static_cast<size_t>(st.st_size);
-    void* map = mmap(nullptr, size, PROT_READ, MAP_PRIVATE | MAP_POPULATE, fd, 0);
-    close(fd);
     RefParse(std::string_view(static_cast<const char*>(map), size), &doc);
     benchmark::DoNotOptimize(Checksum([&](auto take) {
       for (const RefSection& s : doc.sections) {
