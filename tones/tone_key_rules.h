@@ -5,10 +5,19 @@
 // beside the reader so that a checker reports exactly what it does with a
 // value, and follows it when a key changes.
 
+#include <functional>
 #include <string>
 #include <string_view>
 
+#include "cmcfg/tone_type.h"
+
 namespace tones {
+
+// Fills the fields of `type` that one key each gives (mode, levels,
+// frequencies, the sound-file flag) from `text` (a key's value, nullptr or
+// "" when missing: the field takes `def`'s). The cadence is the reader's.
+void ReadToneFields(const std::function<const char*(const char* key)>& text, const ToneType& def,
+                    ToneType* type);
 
 // True when the reader reads `key` in a tone's section.
 bool IsToneKey(std::string_view key);

@@ -6,6 +6,7 @@
 #include "platform/base/file_utility.h"
 #include "platform/base/multi_section_file.h"
 #include "platform/base/smart_buffer.h"
+#include "tones/tone_key_rules.h"
 #include "tones/tone_values.h"
 
 namespace {
@@ -18,13 +19,6 @@ Configuration::MultiSectionFile OpenToneFile(const std::string& path) {
                                          "#", nullptr);
 }
 
-template <typename T>
-T ParseValue(const char* text) {
-  return tones::ReadNumber<T>(text);
-}
-
-bool ParseFlag(const char* text) { return tones::ReadFlag(text); }
-
 // Reads `key` into the buffer; true when it gave a non-empty text.
 bool ReadKey(Configuration::MultiSectionFile& file, const char* key, SmartBuffer& buffer) {
   file.GetSectionEntry(key, buffer.GetData(), buffer.GetSize());
@@ -34,7 +28,7 @@ bool ReadKey(Configuration::MultiSectionFile& file, const char* key, SmartBuffer
 // -1 when the duration is missing or empty.
 int ReadDuration(Configuration::MultiSectionFile& file, const char* key, SmartBuffer& buffer) {
   if (!ReadKey(file, key, buffer)) return -1;
-  return ParseValue<uint16_t>(buffer.GetData());
+  return tones::ReadNumber<uint16_t>(buffer.GetData());
 }
 
 }  // namespace
@@ -69,17 +63,12 @@ bool ToneTypeReader::LoadTone(Configuration::MultiSectionFile& file, DeviceTone 
     return false;
   }
   SmartBuffer buffer;
-  type.mode = ReadKey(file, "mode", buffer) ? ParseValue<uint16_t>(buffer.GetData()) : def.mode;
-  type.tone_level_1 =
-      ReadKey(file, "tone_level_1", buffer) ? ParseValue<int32_t>(buffer.GetData()) : def.tone_level_1;
-  type.tone_level_2 =
-      ReadKey(file, "tone_level_2", buffer) ? ParseValue<int32_t>(buffer.GetData()) : def.tone_level_2;
-  type.frequency_1 =
-      ReadKey(file, "frequency_1", buffer) ? ParseValue<uint16_t>(buffer.GetData()) : def.frequency_1;
-  type.frequency_2 =
-      ReadKey(file, "frequency_2", buffer) ? ParseValue<uint16_t>(buffer.GetData()) : def.frequency_2;
-  type.is_play_wav_on =
-      ReadKey(file, "is_play_wav_on", buffer) ? ParseFlag(buffer.GetData()) : def.is_play_wav_on;
+  tones::ReadToneFields(
+      [&](const char* key) {
+        file.GetSectionEntry(key, buffer.GetData(), buffer.GetSize());
+        return buffer.GetData();
+      },
+      def, &type);
 
   if (file.GetSectionEntry("pattern", buffer.GetData(), buffer.GetSize())) {
     type.pattern = buffer.GetData()[0] != '\0' ? std::string(buffer.GetData()) : def.pattern;
