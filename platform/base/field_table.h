@@ -30,6 +30,7 @@ struct Field {
   const char* key;
   Member member;
   const Domain* domain = nullptr;  // the values that work, published to checkers
+  bool hex = false;                // a byte written "0xB8" (TOS bytes); read either way
 };
 
 // Reads one field from its entry's text; a text that does not parse leaves
@@ -42,6 +43,8 @@ void ParseField(std::string_view text, const Field<Owner>& field, Owner* owner) 
 // The text one field is written as.
 template <typename Owner>
 std::string FormatField(const Owner& owner, const Field<Owner>& field) {
+  if (const auto* byte = std::get_if<uint8_t Owner::*>(&field.member); byte && field.hex)
+    return FormatHexByte(owner.**byte);
   return std::visit([&](auto member) { return FormatValue(owner.*member); }, field.member);
 }
 

@@ -8,8 +8,9 @@ namespace {
 // The keys of a block's section: read, written and published from here.
 const cfg::Field<TosBlock> kTosBlockFields[] = {
     {"name", &TosBlock::name},
-    {"signaling_tos", &TosBlock::signalingTos},
-    {"media_tos", &TosBlock::mediaTos},
+    // TOS bytes are quoted in hex (0xB8 is expedited forwarding).
+    {"signaling_tos", &TosBlock::signalingTos, nullptr, true},
+    {"media_tos", &TosBlock::mediaTos, nullptr, true},
 };
 
 }  // namespace
@@ -19,10 +20,7 @@ void TosBlock::Read(const cfg::Section& section) {
 }
 
 void TosBlock::Write(cfg::Document& doc, cfg::Section& section) const {
-  // TOS bytes are quoted in hex (0xB8 is expedited forwarding).
-  doc.Set(section, kTosBlockFields[0].key, name);
-  doc.Set(section, kTosBlockFields[1].key, cfg::FormatHexByte(signalingTos));
-  doc.Set(section, kTosBlockFields[2].key, cfg::FormatHexByte(mediaTos));
+  cfg::WriteFields(*this, kTosBlockFields, &doc, &section);
 }
 
 cfg::KeyRules TosBlock::KeyRules() { return cfg::FieldRules(kTosBlockFields); }
