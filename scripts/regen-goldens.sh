@@ -1,10 +1,10 @@
 #!/bin/sh
-# Rewrites the golden outputs of the cmcfg tool (tests/tools/golden/) from
+# Rewrites the golden outputs of the cmcfg tool (tests/tools/golden/ and tests/tools/roots/*.golden) from
 # the current build, after an output changed on purpose. Review the result
-# with "git diff tests/tools/golden".
+# with "git diff tests/tools".
 set -e
 cd "$(dirname "$0")/.."
 build="${1:-build/default}"
 cmake --build "$build" --target cmcfg_tools_tests -j2
-CMCFG_REGEN_GOLDEN=1 "$build/tests/cmcfg_tools_tests" --gtest_filter='Example/GoldenTest.*'
-git status --short tests/tools/golden
+CMCFG_REGEN_GOLDEN=1 "$build/tests/cmcfg_tools_tests" --gtest_filter='Example/GoldenTest.*:Roots/RootCaseTest.*'
+git status --short tests/tools/golden tests/tools/roots

@@ -3,13 +3,17 @@
 // their diff is what a reviewer reads.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <functional>
+#include <nlohmann/json.hpp>
 #include <regex>
 
 #include "tests/support/temp_root.h"
 #include "tests/tools/tool_test_util.h"
+#include "tools/check_syntax.h"
 
 namespace {
 
@@ -17,10 +21,25 @@ using tool_testing::CopyExample;
 using tool_testing::RunCmcfg;
 
 const std::string kGoldenDir = CMCFG_EXAMPLES_DIR "../tests/tools/golden/";
+const std::string kRootsDir = CMCFG_EXAMPLES_DIR "../tests/tools/roots/";
 
 std::string Read(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
   return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+// Compares `actual` with the golden file at `path`, or rewrites the file
+// when CMCFG_REGEN_GOLDEN is set.
+void ExpectGolden(const std::string& actual, const std::string& path) {
+  if (std::getenv("CMCFG_REGEN_GOLDEN") != nullptr) {
+    std::ofstream(path, std::ios::binary) << actual;
+    return;
+  }
+  EXPECT_EQ(actual, Read(path)) << "regenerate with scripts/regen-goldens.sh if intended";
+}
+
+std::string TestName(const std::string& text) {
+  return std::regex_replace(text, std::regex("[^A-Za-z0-9]"), "_");
 }
 
 // Replaces the first `from` in the root's file `relative` with `to`.
@@ -98,18 +117,94 @@ TEST_P(GoldenTest, OutputIsPinned) {
     args.push_back(arg == "ROOT" ? root.path() : arg == "OTHER" ? other.path() : arg);
   std::ostringstream out, err;
   EXPECT_EQ(RunCmcfg(args, out, err), golden.status) << err.str();
-  const std::string path = kGoldenDir + golden.file;
-  if (std::getenv("CMCFG_REGEN_GOLDEN") != nullptr) {
-    std::ofstream(path, std::ios::binary) << out.str();
-    return;
-  }
-  EXPECT_EQ(out.str(), Read(path)) << "regenerate with scripts/regen-goldens.sh if intended";
+  ExpectGolden(out.str(), kGoldenDir + golden.file);
 }
 
 INSTANTIATE_TEST_SUITE_P(Example, GoldenTest, ::testing::ValuesIn(kGoldens),
                          [](const ::testing::TestParamInfo<Golden>& info) {
-                           return std::regex_replace(info.param.file, std::regex("[^A-Za-z0-9]"),
-                                                     "_");
+                           return TestName(info.param.file);
+                         });
+
+// Small roots kept as data, tests/tools/roots/NAME/, each pinning what the
+// agent and check make of some corner of the format in NAME.golden: check's
+// findings and status, the parts of the dump that differ from an empty
+// root's (of a list, the elements an empty root has not), and the agent's
+// log. Settings files a case leaves out are written
+// empty, so that check reports only what the case holds.
+std::vector<std::string> RootCases() {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(kRootsDir))
+    if (entry.is_directory()) names.push_back(entry.path().filename().string());
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+void FillSettings(const testing_support::TempRoot& root) {
+  for (const std::string& relative : cmcfg_tool::SettingsFiles())
+    if (!root.Exists(relative)) root.Write(relative, "");
+}
+
+// `text` with the root's path written as ROOT/, and the time digits of the
+// SIP user names the agent makes up per call as "…".
+std::string Relative(std::string text, const testing_support::TempRoot& root) {
+  for (size_t at; (at = text.find(root.path())) != std::string::npos;)
+    text.replace(at, root.path().size(), "ROOT/");
+  return std::regex_replace(text, std::regex("[0-9]{12,}"), "…");
+}
+
+// `cmcfg dump` of `root` as JSON, with the agent's log in `log`.
+nlohmann::ordered_json Dump(const testing_support::TempRoot& root, std::string* log) {
+  testing_support::TempRoot logs;
+  std::ostringstream out, err;
+  EXPECT_EQ(RunCmcfg({"dump", "--root", root.path(), "--log-dir", logs.path()}, out, err), 0)
+      << err.str();
+  if (log != nullptr) *log = Relative(logs.Read("cmcfg.log"), root);
+  return nlohmann::ordered_json::parse(Relative(out.str(), root), nullptr, false);
+}
+
+const nlohmann::ordered_json& EmptyRootDump() {
+  static const nlohmann::ordered_json dump = [] {
+    testing_support::TempRoot root;
+    FillSettings(root);
+    return Dump(root, nullptr);
+  }();
+  return dump;
+}
+
+class RootCaseTest : public ::testing::TestWithParam<std::string> {};
+
+TEST_P(RootCaseTest, OutputIsPinned) {
+  testing_support::TempRoot root;
+  std::filesystem::copy(kRootsDir + GetParam(), root.path(),
+                        std::filesystem::copy_options::recursive);
+  FillSettings(root);
+  std::ostringstream out, err, golden;
+  const int status = RunCmcfg({"check", "--root", root.path()}, out, err);
+  golden << "== check: exit " << status << "\n" << Relative(out.str() + err.str(), root);
+
+  std::string log;
+  const nlohmann::ordered_json dump = Dump(root, &log);
+  nlohmann::ordered_json differs = nlohmann::ordered_json::object();
+  const nlohmann::ordered_json& empty = EmptyRootDump();
+  for (const auto& [key, value] : dump.items()) {
+    if (empty.contains(key) && empty[key] == value) continue;
+    if (!value.is_array() || !empty.contains(key)) {
+      differs[key] = value;
+      continue;
+    }
+    differs[key] = nlohmann::ordered_json::array();  // the elements an empty root has not
+    for (const auto& element : value)
+      if (std::find(empty[key].begin(), empty[key].end(), element) == empty[key].end())
+        differs[key].push_back(element);
+  }
+  golden << "== dump: what differs from an empty root\n" << differs.dump(2) << "\n";
+  golden << "== log\n" << log;
+  ExpectGolden(golden.str(), kRootsDir + GetParam() + ".golden");
+}
+
+INSTANTIATE_TEST_SUITE_P(Roots, RootCaseTest, ::testing::ValuesIn(RootCases()),
+                         [](const ::testing::TestParamInfo<std::string>& info) {
+                           return TestName(info.param);
                          });
 
 }  // namespace
