@@ -63,18 +63,6 @@ TEST(FaxDataTest, ToneDetectionForcingWinsOverFaxOff) {
   EXPECT_TRUE(fax.IsStartFaxToneDetection(false, false));
 }
 
-TEST(TosSettingsTest, KnownProfileCopiedUnknownLeavesRecord) {
-  testing_support::TempRoot root;
-  root.Write("telephony/tos.cfg", "section 1\n{\nname = voice\nsignaling_tos = 0x68\nmedia_tos = 0xB8\n}\n");
-  TosSettings tos;
-  tos = std::string("voice");
-  EXPECT_EQ(0x68, tos.signaling);
-  EXPECT_EQ(0xB8, tos.media);
-  tos = std::string("nosuch");
-  EXPECT_EQ(0x68, tos.signaling);
-  EXPECT_EQ(0xB8, tos.media);
-}
-
 std::vector<unsigned long> DefaultCadenceWithFxs(const char* fxsCadence) {
   testing_support::TempRoot root;
   if (fxsCadence != nullptr) {

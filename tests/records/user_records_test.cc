@@ -55,20 +55,6 @@ TEST(UsrDataTest, CopiesOwnTheirBackup) {
   EXPECT_EQ(source.sipBackup->userName, target.sipBackup->userName);
 }
 
-TEST(UsrSipDataTest, InitTradesTheFirstTwoTexts) {
-  ExtSipSettingsParams block;
-  block.authName = "auth";
-  block.userName = "user";
-  block.registerExpiry = 600;
-  UsrSipData sip;
-  sip.enabled = 0;
-  sip.Init(block);
-  EXPECT_EQ("user", sip.userName);
-  EXPECT_EQ("auth", sip.authName);
-  EXPECT_EQ(1, sip.enabled);
-  EXPECT_EQ(600, sip.registerExpiry);
-}
-
 TEST(ExtensionSettingsTest, MailboxAndRemoteControlPolicy) {
   VmsSettings vms;
   vms.mode = 1;
