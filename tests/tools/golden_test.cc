@@ -95,6 +95,7 @@ const Golden kGoldens[] = {
     {"ext-109.json", {"ext", "109", "--json", "--root", "ROOT"}, 0, nullptr},
     {"ext-100-attendant.txt", {"ext", "100", "--root", "ROOT"}, 0, nullptr},
     {"ext-300-group.txt", {"ext", "300", "--root", "ROOT"}, 0, nullptr},
+    {"check-clean.txt", {"check", "--root", "ROOT"}, 0, nullptr},
     {"check.txt", {"check", "--root", "ROOT"}, 1, PlantMistakes},
     {"check.json", {"check", "--json", "--root", "ROOT"}, 1, PlantMistakes},
     {"diff-extension.txt", {"diff", "OTHER", "ROOT"}, 1, ChangeExtension},
