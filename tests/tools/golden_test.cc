@@ -18,25 +18,10 @@
 namespace {
 
 using tool_testing::CopyExample;
+using tool_testing::ExpectGolden;
 using tool_testing::RunCmcfg;
 
-const std::string kGoldenDir = CMCFG_EXAMPLES_DIR "../tests/tools/golden/";
 const std::string kRootsDir = CMCFG_EXAMPLES_DIR "../tests/tools/roots/";
-
-std::string Read(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
-// Compares `actual` with the golden file at `path`, or rewrites the file
-// when CMCFG_REGEN_GOLDEN is set.
-void ExpectGolden(const std::string& actual, const std::string& path) {
-  if (std::getenv("CMCFG_REGEN_GOLDEN") != nullptr) {
-    std::ofstream(path, std::ios::binary) << actual;
-    return;
-  }
-  EXPECT_EQ(actual, Read(path)) << "regenerate with scripts/regen-goldens.sh if intended";
-}
 
 std::string TestName(const std::string& text) {
   return std::regex_replace(text, std::regex("[^A-Za-z0-9]"), "_");
@@ -118,7 +103,7 @@ TEST_P(GoldenTest, OutputIsPinned) {
     args.push_back(arg == "ROOT" ? root.path() : arg == "OTHER" ? other.path() : arg);
   std::ostringstream out, err;
   EXPECT_EQ(RunCmcfg(args, out, err), golden.status) << err.str();
-  ExpectGolden(out.str(), kGoldenDir + golden.file);
+  ExpectGolden(out.str(), golden.file);
 }
 
 INSTANTIATE_TEST_SUITE_P(Example, GoldenTest, ::testing::ValuesIn(kGoldens),
@@ -200,7 +185,7 @@ TEST_P(RootCaseTest, OutputIsPinned) {
   }
   golden << "== dump: what differs from an empty root\n" << differs.dump(2) << "\n";
   golden << "== log\n" << log;
-  ExpectGolden(golden.str(), kRootsDir + GetParam() + ".golden");
+  ExpectGolden(golden.str(), "../roots/" + GetParam() + ".golden");
 }
 
 INSTANTIATE_TEST_SUITE_P(Roots, RootCaseTest, ::testing::ValuesIn(RootCases()),

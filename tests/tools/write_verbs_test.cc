@@ -32,7 +32,8 @@ class WriteVerbsTest : public ::testing::Test {
 };
 
 // Each verb's dry run shows a diff and writes nothing; the verb itself then
-// writes exactly what the dry run showed would change.
+// changes the file. The dry runs, one after another's change, and the file
+// they end with are pinned by a golden file.
 TEST_F(WriteVerbsTest, DryRunShowsWhatTheVerbWrites) {
   const std::vector<std::vector<std::string>> verbs = {
       {"forward", "109", "set", "0612345678"},
@@ -43,19 +44,23 @@ TEST_F(WriteVerbsTest, DryRunShowsWhatTheVerbWrites) {
       {"contact", "109", "add", "0800123"},
       {"contact", "109", "change", "3", "102"},
       {"contact", "109", "erase", "4"},
+      {"contact", "109", "erase", "6"},
+      {"contact", "109", "add", "0800124"},
       {"forward", "109", "clear"}};
+  std::string shown;
   for (std::vector<std::string> verb : verbs) {
     SCOPED_TRACE(testing::PrintToString(verb));
     const std::string before = root_.Read(kFile);
     verb.push_back("--dry-run");
     ASSERT_EQ(Run(verb), 0) << err_.str();
-    const std::string shown = out_.str();
+    shown += "$ cmcfg " + testing::PrintToString(verb) + "\n" + out_.str();
     EXPECT_EQ(root_.Read(kFile), before);
     verb.pop_back();
     ASSERT_EQ(Run(verb), 0) << err_.str();
     EXPECT_NE(root_.Read(kFile), before);
-    EXPECT_THAT(shown, HasSubstr("--- a/telephony/extensiondb/user/109.cfg\n"));
   }
+  tool_testing::ExpectGolden(shown + "$ cat " + kFile + "\n" + root_.Read(kFile),
+                             "write-verbs.txt");
 }
 
 TEST_F(WriteVerbsTest, AnExtensionWithoutAnyCallerContactIsToldHowToAddOne) {
