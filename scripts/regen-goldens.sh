@@ -7,4 +7,6 @@ cd "$(dirname "$0")/.."
 build="${1:-build/default}"
 cmake --build "$build" --target cmcfg_tools_tests -j2
 CMCFG_REGEN_GOLDEN=1 "$build/tests/cmcfg_tools_tests" --gtest_filter='Example/GoldenTest.*:Roots/RootCaseTest.*:WriteVerbsTest.DryRun*'
+cmake --build "$build" --target cmcfg_man -j2
+cp "$build/tools/man/cmcfg.1" tests/tools/golden/cmcfg.1
 git status --short tests/tools/golden tests/tools/roots

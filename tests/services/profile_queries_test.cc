@@ -89,4 +89,27 @@ TEST_F(ProfileQueriesTest, AMissingExtensionFailsLeavesTheRecordAndIsLogged) {
   EXPECT_TRUE(Logged("*** LoadExtensionDB: failed to load extension 777 ***\n"));
 }
 
+// A query given no record fails, whether the agent holds its managers or
+// has dropped them.
+TEST_F(ProfileQueriesTest, EveryQueryRefusesANullRecord) {
+  CMAgent& agent = Start();
+  for (bool destroyed : {false, true}) {
+    if (destroyed) agent.Destroy();
+    EXPECT_FALSE(agent.GetCodecData(nullptr, nullptr));
+    EXPECT_FALSE(agent.GetAttCodecData(nullptr, nullptr));
+    EXPECT_FALSE(agent.GetServicesTimeouts(nullptr, nullptr, nullptr, false));
+    EXPECT_FALSE(agent.GetCallParkData(nullptr, nullptr));
+    EXPECT_FALSE(agent.GetSipData(nullptr, nullptr, nullptr));
+    EXPECT_FALSE(agent.GetPersonalInfo(nullptr, nullptr));
+    EXPECT_FALSE(agent.GetAccessList(nullptr, nullptr));
+    EXPECT_FALSE(agent.GetGroupList(nullptr, nullptr));
+    EXPECT_FALSE(agent.GetAutoRedialData(nullptr, nullptr));
+    EXPECT_FALSE(agent.GetAutoCallData(nullptr, nullptr));
+    EXPECT_FALSE(agent.GetAttGeneralParams(nullptr));
+    EXPECT_FALSE(agent.GetAttPersonalInfo(nullptr));
+    EXPECT_FALSE(agent.GetAttIpData(nullptr, true, nullptr));
+    EXPECT_FALSE(agent.GetPstnAgentsChannels(nullptr, nullptr));
+  }
+}
+
 }  // namespace

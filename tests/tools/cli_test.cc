@@ -57,6 +57,7 @@ TEST_F(CliTest, StatusesAndMessages) {
       {{"contact", "109", "add", "ab\tc", "--root", "ROOT"}, 1, "contact"},
       {{"check", "--root", "ROOT/missing"}, 2,
        "cannot read the configuration root ROOT/missing/: No such file or directory\n"},
+      {{"diff", "ROOT", "ROOT", "--json"}, 2, "not expected: --json"},
       {{"--help"}, 0, ""},
   };
   for (const Case& c : cases) {
