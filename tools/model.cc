@@ -13,10 +13,19 @@ namespace {
 // Trees are built member by member: a braced pair list is a temporary
 // array of its own, and dump builds 100,000 of these.
 
+// An empty object with room for the members of most records: an object
+// is a vector of (const key, value) pairs, and growing it copies every
+// member below it, the key being const.
+Tree Object() {
+  Tree j = Tree::object();
+  j.get_ref<Tree::object_t&>().reserve(16);
+  return j;
+}
+
 Tree Codecs(const std::list<CodecInfo>& codecs) {
   Tree list = Tree::array();
   for (const CodecInfo& c : codecs) {
-    Tree& one = list.emplace_back(Tree::object());
+    Tree& one = list.emplace_back(Object());
     one["name"] = c.name;
     one["rtp"] = c.rtpCodec;
     one["dsp"] = c.dspCodec;
@@ -31,7 +40,7 @@ Tree Codecs(const std::list<CodecInfo>& codecs) {
 Tree FaxRelay(const std::list<FaxCodecInfo>& codecs) {
   Tree list = Tree::array();
   for (const FaxCodecInfo& c : codecs) {
-    Tree& one = list.emplace_back(Tree::object());
+    Tree& one = list.emplace_back(Object());
     one["version"] = c.values[0];
     one["bit_rate"] = c.values[1];
     one["values"] = std::vector<uint32_t>(std::begin(c.values), std::end(c.values));
@@ -42,7 +51,7 @@ Tree FaxRelay(const std::list<FaxCodecInfo>& codecs) {
 Tree Media(const std::list<CodecInfo>& voice, const std::list<FaxCodecInfo>& fax,
            const std::list<CodecInfo>& faxInBand, const std::list<CodecInfo>& modem,
            int32_t codecOption) {
-  Tree j = Tree::object();
+  Tree j = Object();
   j["voice"] = Codecs(voice);
   j["fax_relay"] = FaxRelay(fax);
   j["fax_in_band"] = Codecs(faxInBand);
@@ -52,7 +61,7 @@ Tree Media(const std::list<CodecInfo>& voice, const std::list<FaxCodecInfo>& fax
 }
 
 Tree Sip(const UsrSipData& sip) {
-  Tree j = Tree::object();
+  Tree j = Object();
   j["user"] = StoredUserName(sip.userName);
   j["host"] = sip.host;
   j["port"] = sip.port;
@@ -71,7 +80,7 @@ Tree Sip(const UsrSipData& sip) {
 }
 
 Tree Tos(const TosSettings& tos) {
-  Tree j = Tree::object();
+  Tree j = Object();
   j["signaling"] = HexText(tos.signaling & 0xFFu);
   j["media"] = HexText(tos.media & 0xFFu);
   return j;
@@ -80,7 +89,7 @@ Tree Tos(const TosSettings& tos) {
 // A destination's text comes first: text output shows an object that
 // starts with "text" as that text alone.
 Tree Destination(const ForwardParams& d) {
-  Tree j = Tree::object();
+  Tree j = Object();
   j["text"] = DestinationText(d);
   j["type"] = CallTypeName(d.callType);
   j["user"] = d.userName;
@@ -91,21 +100,21 @@ Tree Destination(const ForwardParams& d) {
 
 Tree Line(const LineSettings& line) {
   const CallQueueData& q = line.callQueue;
-  Tree j = Tree::object();
+  Tree j = Object();
   j["local"] = EndpointJson(LocalEndpoint(line));
   j["presentation_id"] = line.presentationId;
   j["remote"] = EndpointJson(RemoteEndpoint(line));
   j["rtp_proxy"] = line.remote.rtpProxy;
   j["symmetric_rtp"] = line.remote.symmetricRtp;
   j["remote_access"] = line.remote.personalValue;
-  Tree& d = j["disconnect"] = Tree::object();
+  Tree& d = j["disconnect"] = Object();
   d["mode"] = line.disconnect.values[0];
   d["min_ms"] = line.disconnect.values[1];
   d["max_ms"] = line.disconnect.values[2];
   d["delay_s"] = line.disconnect.values[3];
   j["caller_id_type"] = line.fxsExtra;
   j["tos"] = Tos(line.tos);
-  Tree& queue = j["call_queue"] = Tree::object();
+  Tree& queue = j["call_queue"] = Object();
   queue["size"] = q.size;
   queue["mode"] = q.mode;
   queue["accepting"] = q.IsFlagOn(CallQueueData::kAccepting);
@@ -117,7 +126,7 @@ Tree Line(const LineSettings& line) {
 }
 
 Tree Services(const ExtensionData& e) {
-  Tree j = Tree::object();
+  Tree j = Object();
   j["call_waiting"] = e.callWaiting;
   j["do_not_disturb"] = e.doNotDisturb;
   j["hotline"] = e.hotline;
@@ -132,24 +141,24 @@ Tree Services(const ExtensionData& e) {
   j["caller_id_presentation"] = e.callerIdPresentation;
   j["call_hold_allowed"] = e.callHoldAllowed;
   j["anonymous_rejection"] = e.anonymousRejection;
-  Tree& rc = j["remote_control"] = Tree::object();
+  Tree& rc = j["remote_control"] = Object();
   rc["policy"] = HexText(e.rc.policy & 0xFFu);
   rc["value"] = e.rc.value;
   j["no_answer_timeout"] = e.noAnswerTimeout;
-  Tree& vm = j["voice_mail"] = Tree::object();
+  Tree& vm = j["voice_mail"] = Object();
   vm["mode"] = e.vms.mode;
   vm["on"] = e.IsMailboxOn(false);
   vm["rings"] = e.vms.rings;
   vm["mailbox"] = e.vms.mailbox;
-  Tree& redial = j["auto_redial"] = Tree::object();
+  Tree& redial = j["auto_redial"] = Object();
   redial["interval"] = e.redialInterval;
   redial["period"] = e.redialPeriod;
-  Tree& call = j["auto_call"] = Tree::object();
+  Tree& call = j["auto_call"] = Object();
   call["enabled"] = e.autoCall.enabled;
   call["destination"] = e.autoCall.destination;
   j["call_park_timeout"] = e.callParkTimeout;
   const FaxData& fax = e.line.fax;
-  Tree& f = j["fax"] = Tree::object();
+  Tree& f = j["fax"] = Object();
   f["mode_a"] = fax.faxModeA;
   f["mode_b"] = fax.faxModeB;
   f["on"] = fax.IsFaxOn();
@@ -175,7 +184,7 @@ std::vector<std::string> ActiveServices(const SupServiceSet& s) {
 }
 
 Tree Blocking(const CallBlockingData& b) {
-  Tree j = Tree::object();
+  Tree j = Object();
   j["active"] = b.active;
   j["mode"] = b.blockMode;
   return j;
@@ -184,7 +193,7 @@ Tree Blocking(const CallBlockingData& b) {
 }  // namespace
 
 Tree ForwardTree(const ForwardData& f) {
-  Tree j = Tree::object();
+  Tree j = Object();
   j["active"] = f.active;
   j["text"] = f.text;
   Tree& destinations = j["destinations"] = Tree::array();
@@ -195,7 +204,7 @@ Tree ForwardTree(const ForwardData& f) {
 Tree ContactTree(const AddressBookEntry& entry) {
   const Contact& c = entry.first;
   const SupServiceSet& s = entry.second;
-  Tree j = Tree::object();
+  Tree j = Object();
   j["name"] = c.name;
   j["id"] = c.id;
   j["call_type"] = CallTypeName(c.callType);
@@ -205,21 +214,21 @@ Tree ContactTree(const AddressBookEntry& entry) {
   j["clir"] = s.clir.active;
   j["incoming_blocking"] = Blocking(s.incomingBlocking);
   j["outgoing_blocking"] = Blocking(s.outgoingBlocking);
-  Tree& ringing = j["distinctive_ringing"] = Tree::object();
+  Tree& ringing = j["distinctive_ringing"] = Object();
   ringing["active"] = s.distRinging.active;
   ringing["ring_name"] = s.distRinging.ringName;
   ringing["pattern"] = s.distRinging.pattern;
   ringing["cadence"] = s.distRinging.cadence;
-  Tree& hunting = j["hunting"] = Tree::object();
+  Tree& hunting = j["hunting"] = Object();
   hunting["active"] = s.hunt.active;
   hunting["mode"] = s.hunt.huntMode;
   Tree& targets = hunting["targets"] = Tree::array();
   for (const HuntRingTarget& t : s.hunt.targets) {
-    Tree& target = targets.emplace_back(Tree::object());
+    Tree& target = targets.emplace_back(Object());
     target["number"] = t.number;
     target["ring_time"] = t.value;
   }
-  Tree& many = j["many_ringing"] = Tree::object();
+  Tree& many = j["many_ringing"] = Object();
   many["active"] = s.manyRinging.active;
   many["extensions"] = s.manyRinging.extensions;
   j["forward_unconditional"] = ForwardTree(s.forwardUnconditional);
@@ -251,12 +260,12 @@ std::string RootRelative(const std::string& path, const std::string& root) {
 Tree ExtensionTree(const ExtensionData& e, Detail detail) {
   // A summary skips the lists that make most of a record's cost.
   const bool full = detail == Detail::kFull;
-  Tree j = Tree::object();
+  Tree j = Object();
   j["name"] = e.name;
   j["type"] = TypeName(e.type);
   j["description"] = e.description;
   j["sip"] = Sip(e.sip);
-  Tree& personal = j["personal"] = Tree::object();
+  Tree& personal = j["personal"] = Object();
   personal["display_name"] = e.displayName;
   personal["password_keys"] = e.password.keys.size();
   personal["password_policy"] = e.password.setting;
@@ -269,27 +278,27 @@ Tree ExtensionTree(const ExtensionData& e, Detail detail) {
   if (full) {
     Tree& functional = j["functional_table"] = Tree::array();
     for (const FunctionalEntry& entry : e.functionalTable) {
-      Tree& one = functional.emplace_back(Tree::object());
+      Tree& one = functional.emplace_back(Object());
       one["keys"] = KeysText(entry.first);
       one["service"] = HexText(static_cast<uint32_t>(entry.second));
     }
     Tree& speedDial = j["speed_dial"] = Tree::array();
     for (const SpeedDialEntry& entry : e.speedDial) {
-      Tree& one = speedDial.emplace_back(Tree::object());
+      Tree& one = speedDial.emplace_back(Object());
       one["code"] = KeysText(entry.first);
       one["destination"] = Destination(entry.second);
     }
     Tree& book = j["address_book"] = Tree::array();
     for (const AddressBookEntry& entry : e.addressBook) book.push_back(ContactTree(entry));
   }
-  Tree& pstn = j["pstn"] = Tree::object();
+  Tree& pstn = j["pstn"] = Object();
   pstn["fxo"] = Numbers(e.fxo.channels);
   pstn["isdn"] = Numbers(e.isdn.channels);
   pstn["cas"] = CasText(e.cas.spans);
   if (!full) return SummaryOf(j);
   Tree& access = j["access_list"] = Tree::array();
   for (const AccessData& a : e.accessList) {
-    Tree& one = access.emplace_back(Tree::object());
+    Tree& one = access.emplace_back(Object());
     one["priority"] = a.priority;
     one["enabled"] = a.enabled;
     one["type"] = CallTypeName(a.type);
@@ -300,15 +309,15 @@ Tree ExtensionTree(const ExtensionData& e, Detail detail) {
 }
 
 Tree AttendantTree(const Attendant& a, bool systemAttendant) {
-  Tree j = Tree::object();
+  Tree j = Object();
   j["name"] = a.name;
   j["type"] = "attendant";
   j["system_attendant"] = systemAttendant;
   j["sip"] = Sip(a.sip);
-  Tree& personal = j["personal"] = Tree::object();
+  Tree& personal = j["personal"] = Object();
   personal["display_name"] = a.displayName;
   personal["email"] = a.email;
-  Tree& console = j["console"] = Tree::object();
+  Tree& console = j["console"] = Object();
   console["console_mode"] = a.consoleMode;
   console["night_mode"] = a.nightMode;
   console["queue_size"] = a.queueSize;
@@ -323,9 +332,9 @@ Tree AttendantTree(const Attendant& a, bool systemAttendant) {
 
 Tree SummaryOf(const Tree& record) {
   // In the record's own order: the summary is the record with less in it.
-  Tree summary = Tree::object();
+  Tree summary = Object();
   const auto pick = [&](const std::string& key, std::initializer_list<const char*> members) {
-    Tree& part = summary[key] = Tree::object();
+    Tree& part = summary[key] = Object();
     for (const char* member : members) part[member] = record[key][member];
   };
   for (auto it = record.begin(); it != record.end(); ++it) {
@@ -347,11 +356,11 @@ namespace {
 
 Tree ExternalUsers(const std::string& file, const std::list<ExternalUserEntry>& users,
                    const std::string& root) {
-  Tree j = Tree::object();
+  Tree j = Object();
   j["file"] = RootRelative(file, root);
   Tree& list = j["users"] = Tree::array();
   for (const ExternalUserEntry& u : users) {
-    Tree& one = list.emplace_back(Tree::object());
+    Tree& one = list.emplace_back(Object());
     one["e164"] = u.e164Number;
     one["user"] = u.userName;
     one["display"] = u.displayName;
@@ -364,13 +373,13 @@ Tree ExternalUsers(const std::string& file, const std::list<ExternalUserEntry>& 
 
 Tree CallRecords(const CDRData& c, const std::string& root) {
   auto database = [&](const std::string& path, uint32_t records, uint32_t files) {
-    Tree j = Tree::object();
+    Tree j = Object();
     j["path"] = RootRelative(path, root);
     j["records"] = records;
     j["files"] = files;
     return j;
   };
-  Tree j = Tree::object();
+  Tree j = Object();
   j["enabled"] = c.enabled;
   j["second"] = c.second;
   j["third"] = c.third;
@@ -382,14 +391,14 @@ Tree CallRecords(const CDRData& c, const std::string& root) {
 
 Tree General(const CMAgent& agent, const std::string& root) {
   const GeneralData& g = agent.generalData;
-  Tree j = Tree::object();
+  Tree j = Object();
   j["system_prefix"] = g.systemPrefix;
   j["default_voice_codecs"] = Codecs(g.defaultVoiceCodecs);
   j["routing_mode"] = std::string(1, g.routingMode);
   j["operator_number"] = g.operatorNumber;
   j["dial_plan"] = RootRelative(g.dialPlanPath, root);
   j["registration_status_file"] = RootRelative(g.regStatusFile, root);
-  Tree& callerId = j["caller_id"] = Tree::object();
+  Tree& callerId = j["caller_id"] = Object();
   callerId["local"] = g.callerIdLocal;
   callerId["ip"] = g.callerIdIp;
   callerId["pstn"] = g.callerIdPstn;
@@ -398,7 +407,7 @@ Tree General(const CMAgent& agent, const std::string& root) {
   j["external_user_expiry"] = g.externalUserExpiry;
   Tree& shared = j["shared_extensions"] = Tree::array();
   for (const SharedExtension& s : g.sharedExtensions) {
-    Tree& one = shared.emplace_back(Tree::object());
+    Tree& one = shared.emplace_back(Object());
     one["extension"] = s.extension;
     one["flag"] = s.flag;
   }
@@ -436,7 +445,7 @@ Tree General(const CMAgent& agent, const std::string& root) {
       {"mwi_mode", g.mwiMode},
       {"fxo_ports", g.fxoPorts}};
   for (const auto& number : numbers) j[number.first] = number.second;
-  Tree& log = j["log"] = Tree::object();
+  Tree& log = j["log"] = Object();
   log["enabled"] = agent.logEnabled;
   log["level_second"] = agent.logLevelSecond;
   log["login"] = agent.logLogin;
@@ -448,14 +457,14 @@ Tree General(const CMAgent& agent, const std::string& root) {
 
 Tree SystemTree(const CMAgent& agent, const std::string& root) {
   const GeneralData& g = agent.generalData;
-  Tree j = Tree::object();
+  Tree j = Object();
   j["general"] = General(agent, root);
   j["call_records"] = CallRecords(g.cdr, root);
   j["external_user_cache"] = ExternalUsers(g.externalUserCacheDb, g.externalUserCache, root);
   j["external_users"] = ExternalUsers(g.externalUserDb, g.externalUsers, root);
   Tree& phones = j["auto_login"] = Tree::array();
   for (const AuthorizedPhonesData& p : g.authorizedPhones) {
-    Tree& one = phones.emplace_back(Tree::object());
+    Tree& one = phones.emplace_back(Object());
     one["address"] = p.phoneAddress;
     one["type"] = p.phoneType;
     one["extension"] = p.extension;
@@ -467,7 +476,7 @@ Tree SystemTree(const CMAgent& agent, const std::string& root) {
   Tree& tones = j["tones"] = Tree::array();
   for (int t = 0; t < kDeviceToneCount; ++t) {
     const ToneType& tone = agent.toneTypes[t];
-    Tree& one = tones.emplace_back(Tree::object());
+    Tree& one = tones.emplace_back(Object());
     one["name"] = DeviceToneNames[t];
     one["pattern"] = tone.pattern;
     one["mode"] = tone.mode;
