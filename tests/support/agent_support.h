@@ -5,6 +5,7 @@
 // free of the test framework, so the fuzz targets can use it too.
 
 #include <cstddef>
+#include <string>
 
 #include "cmcfg/cm_agent.h"
 
@@ -30,6 +31,21 @@ inline void ReleaseTables(CMAgent& agent) {
     if (agent.extensionBase[i] != nullptr) agent.EraseExtension(i, true, false);
   while (!agent.attendants.empty()) agent.EraseAttendant(agent.attendants.size() - 1);
 }
+
+// The loaded extension of that name, or nullptr.
+inline ExtensionData* FindExtension(const CMAgent& agent, const std::string& name) {
+  for (ExtensionData* e : agent.extensionBase)
+    if (e != nullptr && e->name == name) return e;
+  return nullptr;
+}
+
+// An agent as the call manager runs it: constructed over the root, then
+// Destroy, so every operation opens what it needs for its call.
+struct RunningAgent {
+  RunningAgent() { agent.Destroy(); }
+  ~RunningAgent() { ReleaseTables(agent); }
+  CMAgent agent;
+};
 
 }  // namespace testing_support
 
