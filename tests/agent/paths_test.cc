@@ -1,9 +1,10 @@
 // The library's free helpers (interface names, paths, tokens) and the
 // agent's names: unique strings, user names, runtime databases.
+#include <unistd.h>
+
 #include <gtest/gtest.h>
 
 #include <ctime>
-#include <unistd.h>
 #include <string>
 #include <utility>
 #include <vector>
@@ -25,18 +26,17 @@ TEST(InterfaceNames, WanNameIsCutToItsVisibleCharacters) {
   const std::pair<std::string, std::string> files[] = {  // contents, name
       {std::string(512, 'x'), std::string(512, 'x')}, {"  ppp1\n", "ppp1"}, {std::string(512, ' '), ""},
       {"  ", ""}, {"a", "a"}, {"", ""}};
-  std::vector<std::string> paths, names(std::size(files), "old");
+  std::vector<std::string> paths, names(std::size(files), "old"), expected;
   for (size_t i = 0; i < std::size(files); ++i) {
     root.Write(std::to_string(i), files[i].first);
     paths.push_back(root.Path(std::to_string(i)));
+    expected.push_back(files[i].second);
   }
-  int results[std::size(files)];
+  std::vector<int> results(std::size(files), -9);
   for (size_t i = 0; i < std::size(files); ++i)
     results[i] = agent_internal::ReadInterfaceName(paths[i].c_str(), names[i]);
-  for (size_t i = 0; i < std::size(files); ++i) {
-    EXPECT_EQ(0, results[i]) << i;
-    EXPECT_EQ(files[i].second, names[i]) << i;
-  }
+  EXPECT_EQ(std::vector<int>(std::size(files), 0), results);
+  EXPECT_EQ(expected, names);
   EXPECT_EQ(-1, agent_internal::ReadInterfaceName(root.Path("absent").c_str(), names[0]));
   EXPECT_EQ(files[0].second, names[0]);  // no file: left alone
 }
@@ -84,19 +84,6 @@ TEST_F(AgentTest, NamesAreUniqueAndTakeTheSystemPrefix) {
   agent.FillUserName(none);
   ASSERT_EQ("kaIfArIkNiCkpbx-", none.substr(0, 16));
   ExpectTimeDigits(none.substr(16));
-}
-
-TEST_F(AgentTest, RuntimeNamesDefaultAndAreWrittenBack) {
-  CMAgent& agent = Start();
-  ASSERT_TRUE(agent.GetRuntimeDbNames(true));
-  // A bare cache name becomes the telephony folder itself; the status
-  // file a path inside it.
-  EXPECT_EQ(root_.Path("telephony/"), agent.generalData.externalUserCacheDb);
-  EXPECT_EQ(root_.Path("telephony/externaluserdb"), agent.generalData.externalUserDb);
-  EXPECT_EQ(root_.Path("telephony/reg_status_file"), agent.generalData.regStatusFile);
-  const std::string saved = root_.Read("telephony/paths.cfg");
-  EXPECT_NE(std::string::npos, saved.find("reg_status_file = reg_status_file"));
-  EXPECT_NE(std::string::npos, saved.find("external_user_cache_file = external_user_cache_db"));
 }
 
 }  // namespace

@@ -93,17 +93,14 @@ TEST_F(ThreadsTest, ReadersAndReloadingAgentsSeeWholeFilesWhileTheSettingsAreHel
 
   // Each call refreshes the held object itself; once nothing holds it, the
   // flags come from a fresh reading.
-  Version(2);
-  ExpectVersion(agent, 2);
-  EXPECT_EQ(0, held->logEnabled);
-  Version(1);
-  ExpectVersion(agent, 1);
-  EXPECT_EQ(1, held->logDetails);
-  GeneralSettingsAccessor::CloseInstance();
-  Version(2);
-  ExpectVersion(agent, 2);
-  Version(1);
-  ExpectVersion(agent, 1);
+  for (int step = 0; step < 4; ++step) {
+    Version(2 - step % 2);
+    ExpectVersion(agent, 2 - step % 2);
+    if (step < 2) {
+      EXPECT_EQ(2 * step, held->logEnabled + held->logDetails);
+    }
+    if (step == 1) GeneralSettingsAccessor::CloseInstance();
+  }
   // Files gone: the log flags stay, a missing login file reads as off.
   ASSERT_EQ(0, std::remove(root_.Path("telephony/general.cfg").c_str()));
   ASSERT_EQ(0, std::remove(root_.Path("telephony/log_login.cfg").c_str()));

@@ -6,7 +6,6 @@
 // next write, and a lock the next writer gets. The count of kills per kind
 // of write comes from CMCFG_CRASH_KILLS (default 20, a few seconds);
 // scripts/crash-test.sh runs it with many more.
-#include <dirent.h>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
@@ -15,13 +14,13 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <functional>
-#include <random>
 #include <list>
+#include <random>
 #include <string>
 #include <vector>
 
-#include "cmcfg/cm_agent.h"
 #include "platform/base/document.h"
 #include "platform/base/file_lock.h"
 #include "tests/support/agent_support.h"
@@ -126,13 +125,7 @@ const Kind kAutologinUsers = {
 // Temporary files of the store's saves (name.pid.hex.tmp) in `folder`.
 int TempFilesIn(const std::string& folder) {
   int count = 0;
-  if (DIR* dir = opendir(folder.c_str())) {
-    while (const dirent* entry = readdir(dir)) {
-      const std::string name = entry->d_name;
-      count += name.size() > 4 && name.compare(name.size() - 4, 4, ".tmp") == 0;
-    }
-    closedir(dir);
-  }
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) count += entry.path().extension() == ".tmp";
   return count;
 }
 

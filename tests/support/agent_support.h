@@ -15,13 +15,8 @@ namespace testing_support {
 // so that constructing an agent has no default name to save back: only the
 // writes a test makes touch the files, and no save costs a disk flush.
 inline constexpr char kAllRuntimePaths[] =
-    "section paths\n{\n"
-    "external_user_cache_file = external_user_cache_db\n"
-    "reg_status_file = reg_status_file\n"
-    "cdr_stated_db = CDR_db\n"
-    "cdr_missed_db = missed_calls_db\n"
-    "cdr_failed_db = unsuccess_calls_db\n"
-    "}\n";
+    "section paths\n{\nexternal_user_cache_file = external_user_cache_db\nreg_status_file = reg_status_file\n"
+    "cdr_stated_db = CDR_db\ncdr_missed_db = missed_calls_db\ncdr_failed_db = unsuccess_calls_db\n}\n";
 
 // Erases every record of the agent's tables: the agent leaves them to its
 // caller, and the sanitizer runs count a forgotten one as a leak. Only the
