@@ -46,7 +46,7 @@ bool CMAgent::SaveAutologinUser(AuthorizedPhonesData* user) {
   bool found = false;
   // The user is looked up in the file as it is now, under its lock, so a
   // user another writer saved meanwhile is updated, not added twice.
-  phones->Update([&] {
+  const cfg::Status saved = phones->Update([&] {
     for (AuthorizedPhoneBlock* block : phones->GetAllBlocks()) {
       if (block != nullptr && SameUser(block->phoneAddress, block->phoneType, *user)) {
         block->extension = user->extension;
@@ -77,6 +77,9 @@ bool CMAgent::SaveAutologinUser(AuthorizedPhonesData* user) {
     CMCFG_TRACE(this, "SaveAutologinUser: failed to create new block\n");
     return false;
   }
+  // Nothing was stored (the lock not had in time, the save failed): the
+  // list keeps what the file holds.
+  if (!saved.ok()) return false;
   bool listed = false;
   for (AuthorizedPhonesData& entry : generalData.authorizedPhones) {
     if (SameUser(entry.phoneAddress, entry.phoneType, *user)) {

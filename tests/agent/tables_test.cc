@@ -1,105 +1,104 @@
+// The extension and attendant tables, the shared-extension list and the
+// FXS ports bound to the loaded extensions.
 #include <gtest/gtest.h>
+
+#include <string>
+#include <tuple>
 
 #include "tests/support/agent_fixture.h"
 
 namespace {
 
-using testing_support::AgentTest;
+class TablesTest : public testing_support::AgentTest {};
 
-class TablesTest : public AgentTest {};
-
-TEST_F(TablesTest, EmptyRootGivesSixtyFourEmptySlots) {
+TEST_F(TablesTest, SlotsAreErasedKeptOrHandedBack) {
   CMAgent& agent = Start();
-  ASSERT_EQ(64u, agent.extensionBase.size());
-  for (ExtensionData* slot : agent.extensionBase) EXPECT_EQ(nullptr, slot);
-  EXPECT_TRUE(agent.attendants.empty());
-  EXPECT_GE(agent.attendants.capacity(), 16u);
-}
-
-TEST_F(TablesTest, EraseWithoutCompactKeepsTheSlot) {
-  CMAgent& agent = Start();
+  agent.IncreaseBase();
+  ASSERT_EQ(65u, agent.extensionBase.size());
+  EXPECT_EQ(nullptr, agent.extensionBase[64]);
   agent.extensionBase[3] = new ExtensionData;
   agent.extensionBase[3]->name = "101";
   agent.ShareExtension("101", true, false);
-
-  agent.EraseExtension(3, true, false);
-  EXPECT_EQ(64u, agent.extensionBase.size());
+  agent.EraseExtension(3, true, false);  // deleted, slot kept
+  EXPECT_EQ(65u, agent.extensionBase.size());
   EXPECT_EQ(nullptr, agent.extensionBase[3]);
   EXPECT_TRUE(agent.generalData.sharedExtensions.empty());  // unshared on delete
-
   agent.EraseExtension(3, true, true);
-  EXPECT_EQ(63u, agent.extensionBase.size());
-}
+  EXPECT_EQ(64u, agent.extensionBase.size());
 
-TEST_F(TablesTest, EraseWithoutDeleteHandsTheRecordBack) {
-  CMAgent& agent = Start();
   ExtensionData* record = new ExtensionData;
   agent.extensionBase[0] = record;
-  agent.extensionBase[1] = new ExtensionData;
-  ExtensionData* next = agent.extensionBase[1];
-  agent.EraseExtension(0, false, false);  // compact is ignored: the slot goes
+  ExtensionData* next = agent.extensionBase[1] = new ExtensionData;
+  agent.EraseExtension(0, false, false);  // handed back: compact is ignored, the slot goes
   EXPECT_EQ(63u, agent.extensionBase.size());
   EXPECT_EQ(next, agent.extensionBase[0]);
-  record->name = "still alive";  // the caller owns it now
-  delete record;
-}
+  delete record;  // the caller's now
+  agent.EraseExtension(63, true, true);  // past the end: ignored
+  EXPECT_EQ(63u, agent.extensionBase.size());
 
-TEST_F(TablesTest, EraseAttendantDeletesAndCloses) {
-  CMAgent& agent = Start();
   agent.attendants.push_back(new Attendant);
   agent.attendants.push_back(nullptr);
+  agent.EraseAttendant(2);  // past the end
+  EXPECT_EQ(2u, agent.attendants.size());
   agent.EraseAttendant(1);
   agent.EraseAttendant(0);
   EXPECT_TRUE(agent.attendants.empty());
 }
 
-TEST_F(TablesTest, ShareExtensionKeepsNamesUnique) {
+TEST_F(TablesTest, SharedNamesAreUniqueAndKeepTheirMark) {
   CMAgent& agent = Start();
-  std::list<SharedExtension>& shared = agent.generalData.sharedExtensions;
-  agent.ShareExtension("", true, true);
-  EXPECT_TRUE(shared.empty());
-
-  agent.ShareExtension("201", true, false);
-  agent.ShareExtension("202", true, true);
-  agent.ShareExtension("201", true, false);
-  ASSERT_EQ(2u, shared.size());
-  EXPECT_EQ(0, shared.front().flag);
-  EXPECT_EQ(1, shared.back().flag);
-
-  agent.ShareExtension("201", true, true);  // marks, adds nothing
-  EXPECT_EQ(2u, shared.size());
-  EXPECT_EQ(1, shared.front().flag);
-  agent.ShareExtension("201", true, false);  // a false mark leaves the flag
-  EXPECT_EQ(1, shared.front().flag);
-
-  agent.ShareExtension("999", false, false);  // unknown: nothing happens
-  agent.ShareExtension("201", false, false);
-  ASSERT_EQ(1u, shared.size());
-  EXPECT_EQ("202", shared.front().extension);
+  // Each call (name, add, mark) and the list after it.
+  const std::tuple<const char*, bool, bool, const char*> steps[] = {
+      {"", true, true, ""},  // never added
+      {"201", true, false, "201:0 "}, {"202", true, true, "201:0 202:1 "}, {"201", true, false, "201:0 202:1 "},
+      {"201", true, true, "201:1 202:1 "}, {"201", true, false, "201:1 202:1 "},  // a false mark leaves it
+      {"999", false, false, "201:1 202:1 "}, {"201", false, false, "202:1 "}};
+  for (const auto& [name, add, mark, after] : steps) {
+    agent.ShareExtension(name, add, mark);
+    std::string list;
+    for (const SharedExtension& s : agent.generalData.sharedExtensions)
+      list += s.extension + ":" + std::to_string(s.flag) + " ";
+    EXPECT_EQ(after, list) << name << add << mark;
+  }
 }
 
-TEST_F(TablesTest, UnknownNamesAreNotLoaded) {
-  CMAgent& agent = Start();
-  EXPECT_EQ(0, agent.LoadExtensionDB("", kExtUser));
-  EXPECT_EQ(0, agent.LoadExtensionDB("", kExtAttendant));
-  EXPECT_EQ(0, agent.LoadExtensionDB("101", kExtUser));
-  EXPECT_EQ(0, agent.LoadAttendantDB("100"));
-  EXPECT_EQ(0, agent.LoadExtensionDB("../../etc/passwd", kExtUser));
-  EXPECT_EQ(64u, agent.extensionBase.size());
-  agent.Destroy();  // also without managers: opened and closed per call
-  EXPECT_EQ(0, agent.LoadExtensionDB("101", kExtUser));
-  EXPECT_EQ(nullptr, agent.extensionManager);
-}
-
-TEST_F(TablesTest, DestroyDropsTheManagers) {
+TEST_F(TablesTest, UnknownNamesAreNotLoadedAndDestroyDropsTheManagers) {
   CMAgent& agent = Start();
   EXPECT_NE(nullptr, agent.GetFxsLineMng());
+  for (ExtType type : {kExtUser, kExtAttendant})
+    for (const char* name : {"", "101", "../../etc/passwd"}) EXPECT_EQ(0, agent.LoadExtensionDB(name, type)) << name;
   agent.Destroy();
   agent.Destroy();  // twice is fine
-  EXPECT_EQ(nullptr, agent.GetFxsLineMng());
+  EXPECT_TRUE(!agent.GetFxsLineMng() && !agent.extensionManager && !agent.lineManager && !agent.encodingManager);
+  EXPECT_EQ(0, agent.LoadExtensionDB("101", kExtUser));  // opened and closed per call
   EXPECT_EQ(nullptr, agent.extensionManager);
-  EXPECT_EQ(nullptr, agent.lineManager);
-  EXPECT_EQ(nullptr, agent.encodingManager);
+}
+
+TEST_F(TablesTest, PortMovesFromOneExtensionToAnother) {
+  root_.Write("telephony/general.cfg", "section logging\n{\nlog_enabled = 1\n}\n");
+  root_.Write("telephony/gateways.cfg",
+              "section 1\n{\nname = local\ntype = 0\n}\nsection 2\n{\nname = far\ntype = 2\n}\n");
+  root_.Write("telephony/linedb",
+              "section binding 1/3\n{\nextension = 101\npresentation_id = 3\n}\nsection fxs 1/3\n{\n}\n");
+  for (const char* name : {"101", "102"})
+    root_.Write("telephony/extensiondb/user/" + std::string(name) + ".cfg", "");
+  Start();
+  ExtensionData *from = Find("101"), *to = Find("102");
+  ASSERT_EQ(3u, from->line.lineId);
+  from->line.callQueue.size = 5;
+  root_.Write("telephony/linedb", "section binding 1/3\n{\nextension = 102\npresentation_id = 9\n}\n");
+  ASSERT_TRUE(agent_->UpdateFxsData(1, 3));
+  EXPECT_EQ(1u, to->line.gatewayId);
+  EXPECT_EQ(3u, to->line.lineId);
+  EXPECT_EQ(9u, to->line.presentationId);
+  EXPECT_EQ(INACTIVE_PARTY, from->line.lineId);  // the one it left is cleared
+  EXPECT_EQ(INACTIVE_PARTY, from->line.gatewayId);
+  EXPECT_EQ(0, from->line.callQueue.size);
+  EXPECT_EQ(1, from->line.lineFlag);
+  EXPECT_TRUE(agent_->UpdateFxsData(2, 1));   // a remote port: nothing to do
+  EXPECT_FALSE(agent_->UpdateFxsData(1, 4));  // no such port
+  EXPECT_FALSE(agent_->UpdateFxsData(7, 1));  // no such gateway
+  EXPECT_NE(std::string::npos, Log().find("UpdateFxsData: failed to load data for FXS MG{7}<1>.\n"));
 }
 
 }  // namespace

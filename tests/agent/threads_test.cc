@@ -19,25 +19,19 @@
 
 namespace {
 
-using testing_support::AgentTest;
-
-// Two versions of general.cfg whose every value tells which one was read:
-// 1 has both log flags on, 4 FXO ports and 3 ISDN interfaces; 2 has both
-// flags off, 8 ports and 5 interfaces.
-std::string General(int version) {
-  bool one = version == 1;
-  return std::string("section logging\n{\nlog_enabled = ") + (one ? "1" : "0") +
-         "\nlog_details = " + (one ? "1" : "0") + "\n}\nsection pstn\n{\nfxo_ports = " +
-         (one ? "4" : "8") + "\nisdn_interfaces = " + (one ? "3" : "5") + "\n}\n";
+// Runs `change` on one thread and read(id, done) on `readers` others; done
+// turns true once the changes are over, and the readers go on until then.
+template <typename Change, typename Read>
+void Race(int readers, Change change, Read read) {
+  std::atomic<bool> done{false};
+  std::vector<std::thread> threads;
+  for (int id = 0; id < readers; ++id) threads.emplace_back([&, id] { read(id, done); });
+  change();
+  done = true;
+  for (std::thread& thread : threads) thread.join();
 }
 
-std::string LogLogin(bool on) {
-  const char* flag = on ? "1" : "0";
-  return std::string("section login\n{\nlogin_trace = ") + flag + "\nlogin_audit = " + flag +
-         "\n}\n";
-}
-
-class ThreadsTest : public AgentTest {
+class ThreadsTest : public testing_support::AgentTest {
  protected:
   // Replaces a file in one step, as the store's own saves do (a new file
   // renamed over the old): a reader sees the old file or the new one.
@@ -45,110 +39,84 @@ class ThreadsTest : public AgentTest {
     root_.Write(relative + ".next", text);
     EXPECT_EQ(0, std::rename(root_.Path(relative + ".next").c_str(), root_.Path(relative).c_str()));
   }
+  // Two versions of the settings whose every value tells which one was
+  // read: 1 has every log flag on, 4 FXO ports and 3 ISDN interfaces; 2 has
+  // them off, 8 ports and 5 interfaces.
+  void Version(int version) {
+    const bool one = version == 1;
+    const std::string flag = one ? "1" : "0";
+    Replace("telephony/general.cfg", "section logging\n{\nlog_enabled = " + flag + "\nlog_details = " + flag +
+                                         "\n}\nsection pstn\n{\nfxo_ports = " + (one ? "4" : "8") +
+                                         "\nisdn_interfaces = " + (one ? "3" : "5") + "\n}\n");
+    Replace("telephony/log_login.cfg", "section login\n{\nlogin_trace = " + flag + "\nlogin_audit = " + flag + "\n}\n");
+  }
 };
 
-// --- the shared general settings, reloaded by several threads at once
+// The flags the agent and the free functions report, version 1 or 2.
+void ExpectVersion(CMAgent& agent, int version) {
+  bool enabled = version != 1, details = version != 1;
+  GetLogLevel(&enabled, &details);
+  agent.LoadLogLevel();
+  for (bool flag : {enabled, details, agent.logEnabled, agent.logLevelSecond, agent.logLogin})
+    EXPECT_EQ(version == 1, flag);
+  EXPECT_EQ(version == 1 ? 4 : 8, GetNumberOfFXO());
+}
 
-TEST_F(ThreadsTest, ReloadingReadersSeeWholeFilesWhileTheSettingsAreHeldOpen) {
-  Replace("telephony/general.cfg", General(1));
+TEST_F(ThreadsTest, ReadersAndReloadingAgentsSeeWholeFilesWhileTheSettingsAreHeldOpen) {
+  Version(1);
+  CMAgent& agent = Start();
+  agent.Destroy();
   // Held as during the agent's start-up: every call below reloads this one
   // object instead of reading a fresh one of its own.
   GeneralSettingsAccessor* held = GeneralSettingsAccessor::GetInstance(true);
   ASSERT_NE(nullptr, held);
-
-  std::atomic<bool> written{false};
-  std::thread writer([&] {
-    for (int i = 0; i < 150; ++i) Replace("telephony/general.cfg", General(i % 2 == 0 ? 2 : 1));
-    written = true;
-  });
-  // A reading mixing the versions, or a call that gave nothing, is torn.
-  auto read = [&](int* torn) {
-    MediaAgentConfig media;
-    for (int i = 0; i < 60 || !written; ++i) {
-      bool enabled = false, details = true;
-      GetLogLevel(&enabled, &details);
-      int ports = GetNumberOfFXO();
-      unsigned isdn = media.GetNumOfIsdn();
-      if (enabled != details || (ports != 4 && ports != 8) || (isdn != 3 && isdn != 5)) ++*torn;
-    }
-  };
+  // Two threads read, two make the agent re-read its flags. A reading
+  // mixing the versions, or a call that gave nothing, is torn.
   int torn[2] = {0, 0};
-  std::thread first(read, &torn[0]);
-  std::thread second(read, &torn[1]);
-  writer.join();
-  first.join();
-  second.join();
+  Race(4, [&] { for (int i = 0; i < 150; ++i) Version(i % 2 == 0 ? 2 : 1); },
+       [&](int id, const std::atomic<bool>& done) {
+         MediaAgentConfig media;
+         for (int i = 0; i < 60 || !done; ++i) {
+           if (id >= 2) {
+             agent.LoadLogLevel();
+             continue;
+           }
+           bool enabled = false, details = true;
+           GetLogLevel(&enabled, &details);
+           const int ports = GetNumberOfFXO();
+           const unsigned isdn = media.GetNumOfIsdn();
+           torn[id] += enabled != details || (ports != 4 && ports != 8) || (isdn != 3 && isdn != 5);
+         }
+       });
   EXPECT_EQ(0, torn[0]);
   EXPECT_EQ(0, torn[1]);
 
-  // Each call still refreshes the held object itself.
-  Replace("telephony/general.cfg", General(2));
-  bool enabled = true, details = true;
-  GetLogLevel(&enabled, &details);
-  EXPECT_FALSE(enabled);
-  EXPECT_FALSE(details);
-  EXPECT_EQ(0, held->logEnabled);
-  Replace("telephony/general.cfg", General(1));
-  EXPECT_EQ(4, GetNumberOfFXO());
-  EXPECT_EQ(1, held->logDetails);
-  GeneralSettingsAccessor::CloseInstance();
-}
-
-TEST_F(ThreadsTest, AgentReReadsItsLogFlagsFromSeveralThreads) {
-  Replace("telephony/general.cfg", General(1));
-  Replace("telephony/log_login.cfg", LogLogin(true));
-  CMAgent& agent = Start();
-  agent.Destroy();
-  GeneralSettingsAccessor* held = GeneralSettingsAccessor::GetInstance(true);
-  ASSERT_NE(nullptr, held);
-
-  std::atomic<bool> written{false};
-  std::thread writer([&] {
-    for (int i = 0; i < 100; ++i) {
-      Replace("telephony/general.cfg", General(i % 2 == 0 ? 2 : 1));
-      Replace("telephony/log_login.cfg", LogLogin(i % 2 != 0));
+  // Each call refreshes the held object itself; once nothing holds it, the
+  // flags come from a fresh reading.
+  for (int step = 0; step < 4; ++step) {
+    Version(2 - step % 2);
+    ExpectVersion(agent, 2 - step % 2);
+    if (step < 2) {
+      EXPECT_EQ(2 * step, held->logEnabled + held->logDetails);
     }
-    written = true;
-  });
-  auto reload = [&] {
-    for (int i = 0; i < 40 || !written; ++i) agent.LoadLogLevel();
-  };
-  std::thread first(reload);
-  std::thread second(reload);
-  writer.join();
-  first.join();
-  second.join();
-
-  Replace("telephony/general.cfg", General(2));
-  Replace("telephony/log_login.cfg", LogLogin(false));
+    if (step == 1) GeneralSettingsAccessor::CloseInstance();
+  }
+  // Files gone: the log flags stay, a missing login file reads as off.
+  ASSERT_EQ(0, std::remove(root_.Path("telephony/general.cfg").c_str()));
+  ASSERT_EQ(0, std::remove(root_.Path("telephony/log_login.cfg").c_str()));
   agent.LoadLogLevel();
-  EXPECT_FALSE(agent.logEnabled);
-  EXPECT_FALSE(agent.logLevelSecond);
+  EXPECT_TRUE(agent.logEnabled && agent.logLevelSecond);
   EXPECT_FALSE(agent.logLogin);
-  GeneralSettingsAccessor::CloseInstance();
-  // Nothing held now: the flags come from a fresh reading.
-  Replace("telephony/general.cfg", General(1));
-  Replace("telephony/log_login.cfg", LogLogin(true));
-  agent.LoadLogLevel();
-  EXPECT_TRUE(agent.logEnabled);
-  EXPECT_TRUE(agent.logLevelSecond);
-  EXPECT_TRUE(agent.logLogin);
 }
 
 // --- the tables under LockBase / LockShList, with queries after Destroy
 
-const int kUsers = 10;  // users 201 to 210
-const char* const kChurned[] = {"201", "202", "203"};
+const int kUsers = 10;  // users 201 to 210; the first three are churned
 const int kRounds = 12;  // even: the transient name ends unshared
 
 std::string UserName(int i) { return std::to_string(201 + i); }
 std::string UserHost(const std::string& name) { return "10.0.1." + name.substr(1); }
-
-bool IsChurned(const std::string& name) {
-  for (const char* churned : kChurned)
-    if (name == churned) return true;
-  return false;
-}
+bool IsChurned(const std::string& name) { return name == "201" || name == "202" || name == "203"; }
 
 // Positions of the loaded extensions by name; caller holds LockBase.
 std::multimap<std::string, size_t> Slots(const CMAgent& agent) {
@@ -159,16 +127,12 @@ std::multimap<std::string, size_t> Slots(const CMAgent& agent) {
 }
 
 TEST_F(ThreadsTest, QueriesRunWhileTheTablesChangeUnderTheirLocks) {
-  root_.Write("telephony/general.cfg",
-              "section logging\n{\nlog_enabled = 1\n}\nsection pstn\n{\nfxo_ports = 6\n}\n");
-  root_.Write("telephony/regional/tonetypes.cfg",
-              "section DeviceTone_InsideDial\n{\nis_play_wav_on = 0\n}\n");
-  for (int i = 0; i < kUsers; ++i) {
-    std::string name = UserName(i);
-    root_.Write("telephony/extensiondb/user/" + name + ".cfg",
-                "section sip\n{\nuser_name = u" + name + "\nhost = " + UserHost(name) +
+  root_.Write("telephony/general.cfg", "section logging\n{\nlog_enabled = 1\n}\nsection pstn\n{\nfxo_ports = 6\n}\n");
+  root_.Write("telephony/regional/tonetypes.cfg", "section DeviceTone_InsideDial\n{\nis_play_wav_on = 0\n}\n");
+  for (int i = 0; i < kUsers; ++i)
+    root_.Write("telephony/extensiondb/user/" + UserName(i) + ".cfg",
+                "section sip\n{\nuser_name = u" + UserName(i) + "\nhost = " + UserHost(UserName(i)) +
                     "\nport = 5060\n}\nsection codecs\n{\nvoice_codecs = G711A,G729\n}\n");
-  }
   CMAgent& agent = Start();
   agent.Destroy();  // from here on every query opens what it needs per call
 
@@ -181,101 +145,73 @@ TEST_F(ThreadsTest, QueriesRunWhileTheTablesChangeUnderTheirLocks) {
   for (ExtensionData* record : agent.extensionBase)
     if (record != nullptr) copies.push_back(*record);
 
-  std::atomic<bool> changed{false};
+  // Runs fn under the shared list's lock, and the table's with `base`.
+  auto locked = [&](bool base, auto fn) {
+    if (base) agent.LockBase();
+    agent.LockShList();
+    fn();
+    agent.UnlockShList();
+    if (base) agent.UnlockBase();
+  };
   int loaded = 0;
-  std::thread changer([&] {
+  // Per query thread: walks missing a name that never leaves, table records
+  // with another extension's data, failed queries, settings read wrong.
+  int bad[3] = {};
+  Race(3, [&] {
     for (int round = 0; round < kRounds; ++round) {
-      for (const char* name : kChurned) {
-        agent.LockBase();
-        agent.LockShList();  // a deleted record leaves the shared list
-        std::multimap<std::string, size_t> slots = Slots(agent);
-        auto slot = slots.find(name);
-        if (slot != slots.end()) agent.EraseExtension(slot->second, true, round % 2 != 0);
-        agent.UnlockShList();
-        agent.UnlockBase();
-
-        agent.LockShList();
-        agent.ShareExtension("transient", round % 2 == 0, false);
-        agent.UnlockShList();
-
+      for (const char* name : {"201", "202", "203"}) {
+        locked(true, [&] {  // a deleted record leaves the shared list
+          const std::multimap<std::string, size_t> slots = Slots(agent);
+          if (slots.count(name)) agent.EraseExtension(slots.find(name)->second, true, round % 2 != 0);
+        });
+        locked(false, [&] { agent.ShareExtension("transient", round % 2 == 0, false); });
         agent.LockBase();
         loaded += agent.LoadExtensionDB(name, kExtUser);
         agent.UnlockBase();
-
-        agent.LockShList();
-        agent.ShareExtension(name, true, true);
-        agent.UnlockShList();
+        locked(false, [&] { agent.ShareExtension(name, true, true); });
       }
     }
-    changed = true;
-  });
-
-  struct Counts {
-    int missingStable = 0;  // a walk without a name that never leaves
-    int badHost = 0;        // a table record with another extension's data
-    int failedQueries = 0;
-    int badSettings = 0;
-  };
-  auto query = [&](int id, Counts* counts) {
+  }, [&](int id, const std::atomic<bool>& done) {
     std::vector<ExtensionData> mine = copies;
-    for (int i = 0; i < 30 || !changed; ++i) {
+    for (int i = 0; i < 30 || !done; ++i) {
+      int stable = 0, sharedStable = 0;
       agent.LockBase();
-      int stable = 0;
       for (const ExtensionData* record : agent.extensionBase) {
         if (record == nullptr) continue;
-        if (!IsChurned(record->name)) ++stable;
-        if (record->sip.host != UserHost(record->name)) ++counts->badHost;
+        stable += !IsChurned(record->name);
+        bad[id] += record->sip.host != UserHost(record->name);
       }
       agent.UnlockBase();
-      if (stable != kUsers - 3) ++counts->missingStable;
-
-      agent.LockShList();
-      int sharedStable = 0;
-      for (const SharedExtension& shared : agent.generalData.sharedExtensions)
-        if (!IsChurned(shared.extension) && shared.extension != "transient") ++sharedStable;
-      agent.UnlockShList();
-      if (sharedStable != kUsers - 3) ++counts->missingStable;
-
+      locked(false, [&] {
+        for (const SharedExtension& shared : agent.generalData.sharedExtensions)
+          sharedStable += !IsChurned(shared.extension) && shared.extension != "transient";
+      });
+      bad[id] += (stable != kUsers - 3) + (sharedStable != kUsers - 3);
       ExtensionData& record = mine[(i + id) % mine.size()];
-      if (!agent.GetSipData(&record, nullptr, nullptr) || record.sip.host != UserHost(record.name))
-        ++counts->failedQueries;
-      if (!agent.GetCodecData(&record, nullptr) || record.line.voiceCodecs.size() != 2)
-        ++counts->failedQueries;
+      bad[id] += !agent.GetSipData(&record, nullptr, nullptr) || record.sip.host != UserHost(record.name);
+      bad[id] += !agent.GetCodecData(&record, nullptr) || record.line.voiceCodecs.size() != 2;
       bool enabled = false;
       GetLogLevel(&enabled, nullptr);
-      if (!enabled || GetNumberOfFXO() != 6) ++counts->badSettings;
-      if (agent.IsWaveOn(DeviceTone_InsideDial) || !agent.IsWaveOn(DeviceTone_OutsideDial))
-        ++counts->badSettings;
+      bad[id] += !enabled || GetNumberOfFXO() != 6;
+      bad[id] += agent.IsWaveOn(DeviceTone_InsideDial) || !agent.IsWaveOn(DeviceTone_OutsideDial);
       if (i % 5 == id) agent.LoadToneTypes();
     }
-  };
-  Counts counts[3];
-  std::vector<std::thread> queries;
-  for (int id = 0; id < 3; ++id) queries.emplace_back(query, id, &counts[id]);
-  changer.join();
-  for (std::thread& thread : queries) thread.join();
-
-  for (const Counts& c : counts) {
-    EXPECT_EQ(0, c.missingStable);
-    EXPECT_EQ(0, c.badHost);
-    EXPECT_EQ(0, c.failedQueries);
-    EXPECT_EQ(0, c.badSettings);
-  }
+  });
+  EXPECT_EQ((std::vector<int>{0, 0, 0}), std::vector<int>(bad, bad + 3));
   EXPECT_EQ(kRounds * 3, loaded);
   // Every user once; an erase that kept its slot left it empty, one that
   // compacted did not, and each reload took a new slot at the end.
-  std::multimap<std::string, size_t> slots = Slots(agent);
+  const std::multimap<std::string, size_t> slots = Slots(agent);
   ASSERT_EQ(static_cast<size_t>(kUsers), slots.size());
   for (int i = 0; i < kUsers; ++i) EXPECT_EQ(1u, slots.count(UserName(i))) << UserName(i);
   EXPECT_EQ(initialSize + 3 * (kRounds / 2), agent.extensionBase.size());
   // The shared list: the untouched names as first shared, then the
   // churned ones, re-shared marked after their last reload.
-  std::vector<std::pair<std::string, int>> shared;
+  std::vector<std::pair<std::string, int>> shared, expected;
   for (const SharedExtension& entry : agent.generalData.sharedExtensions)
     shared.emplace_back(entry.extension, entry.flag);
-  std::vector<std::pair<std::string, int>> expected;
   for (int i = 3; i < kUsers; ++i) expected.emplace_back(UserName(i), 0);
-  for (const char* name : kChurned) expected.emplace_back(name, 1);
+  for (const char* name : {"201", "202", "203"}) expected.emplace_back(name, 1);
   EXPECT_EQ(expected, shared);
 }
 

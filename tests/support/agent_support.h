@@ -5,6 +5,7 @@
 // free of the test framework, so the fuzz targets can use it too.
 
 #include <cstddef>
+#include <string>
 
 #include "cmcfg/cm_agent.h"
 
@@ -14,13 +15,8 @@ namespace testing_support {
 // so that constructing an agent has no default name to save back: only the
 // writes a test makes touch the files, and no save costs a disk flush.
 inline constexpr char kAllRuntimePaths[] =
-    "section paths\n{\n"
-    "external_user_cache_file = external_user_cache_db\n"
-    "reg_status_file = reg_status_file\n"
-    "cdr_stated_db = CDR_db\n"
-    "cdr_missed_db = missed_calls_db\n"
-    "cdr_failed_db = unsuccess_calls_db\n"
-    "}\n";
+    "section paths\n{\nexternal_user_cache_file = external_user_cache_db\nreg_status_file = reg_status_file\n"
+    "cdr_stated_db = CDR_db\ncdr_missed_db = missed_calls_db\ncdr_failed_db = unsuccess_calls_db\n}\n";
 
 // Erases every record of the agent's tables: the agent leaves them to its
 // caller, and the sanitizer runs count a forgotten one as a leak. Only the
@@ -30,6 +26,21 @@ inline void ReleaseTables(CMAgent& agent) {
     if (agent.extensionBase[i] != nullptr) agent.EraseExtension(i, true, false);
   while (!agent.attendants.empty()) agent.EraseAttendant(agent.attendants.size() - 1);
 }
+
+// The loaded extension of that name, or nullptr.
+inline ExtensionData* FindExtension(const CMAgent& agent, const std::string& name) {
+  for (ExtensionData* e : agent.extensionBase)
+    if (e != nullptr && e->name == name) return e;
+  return nullptr;
+}
+
+// An agent as the call manager runs it: constructed over the root, then
+// Destroy, so every operation opens what it needs for its call.
+struct RunningAgent {
+  RunningAgent() { agent.Destroy(); }
+  ~RunningAgent() { ReleaseTables(agent); }
+  CMAgent agent;
+};
 
 }  // namespace testing_support
 

@@ -27,32 +27,26 @@ struct KilledChild {
 // waits for that start report, and for the first write when `awaitFirst`,
 // then lets the child run `wait` longer, kills it and reaps it.
 template <typename Body>
-KilledChild KillAfter(Body body, bool startReport, bool awaitFirst,
-                      std::chrono::microseconds wait) {
+KilledChild KillAfter(Body body, bool startReport, bool awaitFirst, std::chrono::microseconds wait) {
   KilledChild result;
   int fds[2];
   if (pipe(fds) != 0) return result;
   const pid_t child = fork();
-  if (child < 0) {
-    close(fds[0]);
-    close(fds[1]);
-    return result;
-  }
   if (child == 0) {
     close(fds[0]);
     body(fds[1]);
   }
   close(fds[1]);
-  result.forked = true;
   auto next = [&](long* n) { return read(fds[0], n, sizeof(*n)) == sizeof(*n); };
   long n = -1;
-  if (startReport) result.started = next(&n) && n == 0;
-  if (result.started && awaitFirst && next(&n)) result.reports.push_back(n);
-  if (result.started) std::this_thread::sleep_for(wait);
-  kill(child, SIGKILL);
+  result.forked = child > 0;
+  if (result.forked && startReport) result.started = next(&n) && n == 0;
+  if (result.forked && result.started && awaitFirst && next(&n)) result.reports.push_back(n);
+  if (result.forked && result.started) std::this_thread::sleep_for(wait);
   int status = 0;
-  result.signalled = waitpid(child, &status, 0) == child && WIFSIGNALED(status);
-  while (next(&n)) result.reports.push_back(n);
+  result.signalled = result.forked && kill(child, SIGKILL) == 0 && waitpid(child, &status, 0) == child &&
+                     WIFSIGNALED(status);
+  while (result.forked && next(&n)) result.reports.push_back(n);
   close(fds[0]);
   return result;
 }

@@ -25,8 +25,7 @@ inline std::string ReadLock(const TempRoot& root, const std::string& relative) {
   return s.str();
 }
 
-inline void WriteLock(const TempRoot& root, const std::string& relative,
-                      const std::string& contents) {
+inline void WriteLock(const TempRoot& root, const std::string& relative, const std::string& contents) {
   std::ofstream out(LockOf(root, relative), std::ios::binary | std::ios::trunc);
   out << contents;
 }

@@ -13,45 +13,32 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::string TempBase() {
-  const char* base = getenv("CMCFG_TEST_TMP");
-  std::string dir = base && *base ? base : fs::temp_directory_path().string();
-  fs::create_directories(dir);
-  return dir;
-}
-
-void SaveEnv(const char* name, std::string* value, bool* had) {
-  const char* v = getenv(name);
-  *had = v != nullptr;
-  if (v) *value = v;
-}
-
-void RestoreEnv(const char* name, const std::string& value, bool had) {
-  if (had)
-    setenv(name, value.c_str(), 1);
-  else
-    unsetenv(name);
-}
+const char* const kVariables[] = {"ORBA_PATH", "CMCFG_LOG_DIR", "CMCFG_LOCK_DIR"};
 
 }  // namespace
 
 TempRoot::TempRoot() {
-  std::string templ = TempBase() + "/cmcfg-XXXXXX";
+  const char* base = getenv("CMCFG_TEST_TMP");
+  const std::string dir = base && *base ? base : fs::temp_directory_path().string();
+  fs::create_directories(dir);
+  std::string templ = dir + "/cmcfg-XXXXXX";
   if (!mkdtemp(templ.data())) throw std::runtime_error("mkdtemp failed");
   path_ = templ + "/";
-  SaveEnv("ORBA_PATH", &saved_root_, &had_root_);
-  SaveEnv("CMCFG_LOG_DIR", &saved_log_dir_, &had_log_dir_);
-  setenv("ORBA_PATH", path_.c_str(), 1);
-  setenv("CMCFG_LOG_DIR", path_.c_str(), 1);
   locks_ = templ + ".locks";
-  SaveEnv("CMCFG_LOCK_DIR", &saved_lock_dir_, &had_lock_dir_);
-  setenv("CMCFG_LOCK_DIR", locks_.c_str(), 1);
+  const std::string values[] = {path_, path_, locks_};
+  for (int i = 0; i < 3; ++i) {
+    if (const char* v = getenv(kVariables[i])) saved_[i] = v;
+    setenv(kVariables[i], values[i].c_str(), 1);
+  }
 }
 
 TempRoot::~TempRoot() {
-  RestoreEnv("ORBA_PATH", saved_root_, had_root_);
-  RestoreEnv("CMCFG_LOG_DIR", saved_log_dir_, had_log_dir_);
-  RestoreEnv("CMCFG_LOCK_DIR", saved_lock_dir_, had_lock_dir_);
+  for (int i = 0; i < 3; ++i) {
+    if (saved_[i])
+      setenv(kVariables[i], saved_[i]->c_str(), 1);
+    else
+      unsetenv(kVariables[i]);
+  }
   std::error_code ec;
   fs::remove_all(locks_, ec);
   // Tests may leave read-only files or folders behind; make them removable.
@@ -63,24 +50,17 @@ TempRoot::~TempRoot() {
 void TempRoot::Write(const std::string& relative, const std::string& contents) const {
   fs::path p = path_ + relative;
   fs::create_directories(p.parent_path());
-  std::ofstream out(p, std::ios::binary | std::ios::trunc);
-  out << contents;
+  std::ofstream(p, std::ios::binary | std::ios::trunc) << contents;
 }
 
 std::string TempRoot::Read(const std::string& relative) const {
-  std::ifstream in(path_ + relative, std::ios::binary);
   std::ostringstream s;
-  s << in.rdbuf();
+  s << std::ifstream(path_ + relative, std::ios::binary).rdbuf();
   return s.str();
 }
 
-bool TempRoot::Exists(const std::string& relative) const {
-  return fs::exists(path_ + relative);
-}
+bool TempRoot::Exists(const std::string& relative) const { return fs::exists(path_ + relative); }
 
-void TempRoot::MakeDir(const std::string& relative) const {
-  fs::create_directories(path_ + relative);
-}
+void TempRoot::MakeDir(const std::string& relative) const { fs::create_directories(path_ + relative); }
 
 }  // namespace testing_support
-

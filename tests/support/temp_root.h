@@ -1,6 +1,7 @@
 #ifndef CMCFG_TESTS_SUPPORT_TEMP_ROOT_H_
 #define CMCFG_TESTS_SUPPORT_TEMP_ROOT_H_
 
+#include <optional>
 #include <string>
 
 namespace testing_support {
@@ -31,13 +32,8 @@ class TempRoot {
 
  private:
   std::string path_;
-  std::string saved_root_;
-  bool had_root_ = false;
-  std::string saved_log_dir_;
-  bool had_log_dir_ = false;
   std::string locks_;
-  std::string saved_lock_dir_;
-  bool had_lock_dir_ = false;
+  std::optional<std::string> saved_[3];  // the variables' values before, if set
 };
 
 }  // namespace testing_support
