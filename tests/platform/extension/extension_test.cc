@@ -280,6 +280,9 @@ TEST_F(ExtensionTest, NumbersWithACommaRefuseTheStore) {
   SupServAccessor* again = Services(1);
   EXPECT_EQ((Targets{{"103", 15}}), again->hunt.targets);
   EXPECT_EQ((std::list<std::string>{"203", "204"}), again->manyRinging.numbers);
+  again->hunt.targets = {{"sip:ann@pbx", 7}, {"105", 0}};  // replaces the one stored
+  ASSERT_TRUE(again->Store(0x010));
+  EXPECT_EQ((Targets{{"sip:ann@pbx", 7}, {"105", 0}}), Services(1)->hunt.targets);
 }
 
 TEST_F(ExtensionTest, WritersKeepEachOthersChangesAndNewContactsGetFreshIds) {
