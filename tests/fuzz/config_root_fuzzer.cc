@@ -3,7 +3,6 @@
 // extensiondb/user/101.cfg, the line database linedb, general.cfg and
 // gateways.cfg. The agent is constructed over it as the call manager does,
 // destroyed, and its tables released.
-#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -13,10 +12,6 @@
 
 namespace {
 
-using fuzz_support::FuzzRoot;
-
-FuzzRoot* root = nullptr;
-
 // What the agent holds beyond the load's NULL slots: at most the one user
 // extension and the attendants a root without attendant files can have.
 const size_t kMaxLoaded = 1;
@@ -24,8 +19,7 @@ const size_t kMaxLoaded = 1;
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
-  root = new FuzzRoot;
-  atexit([] { delete root; });
+  fuzz_support::Root();
   return 0;
 }
 
@@ -35,6 +29,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   // Start from an empty root each time: the agent writes some files back
   // (runtime database names, caches), and what one input left must not
   // change how the next one loads.
+  const fuzz_support::FuzzRoot* root = &fuzz_support::Root();
   root->Clear("telephony");
   root->MakeDirs("telephony/extensiondb/user");
   root->Write("telephony/extensiondb/user/101.cfg", files[0]);

@@ -1,6 +1,6 @@
 // Shared pieces of the fuzz targets: a failed check that libFuzzer records
-// as a crash, a configuration root for readers that take their files from
-// disk, and the split of one input into several files.
+// as a crash, the configuration root a target keeps for the whole run,
+// and the split of one input into several files.
 #ifndef CMCFG_TESTS_FUZZ_FUZZ_SUPPORT_H_
 #define CMCFG_TESTS_FUZZ_FUZZ_SUPPORT_H_
 
@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -108,19 +109,11 @@ class FuzzRoot {
   // Replaces the file's contents (plain POSIX calls: this runs once per
   // input and must stay cheap).
   void Write(const std::string& relative, std::string_view contents) const {
-    std::string file = path_ + relative;
-    int fd = open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-    if (fd < 0) Fail(__FILE__, __LINE__, "open for writing");
-    size_t done = 0;
-    while (done < contents.size()) {
-      ssize_t n = write(fd, contents.data() + done, contents.size() - done);
-      if (n <= 0) Fail(__FILE__, __LINE__, "write");
-      done += static_cast<size_t>(n);
-    }
+    int fd = open((path_ + relative).c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+    if (fd < 0 || write(fd, contents.data(), contents.size()) != static_cast<ssize_t>(contents.size()))
+      Fail(__FILE__, __LINE__, "write");
     close(fd);
   }
-
-  void Remove(const std::string& relative) const { unlink((path_ + relative).c_str()); }
 
   // Empties `relative` (a folder) of everything, keeping the folder.
   void Clear(const std::string& relative) const {
@@ -132,6 +125,14 @@ class FuzzRoot {
  private:
   std::string path_;
 };
+
+// The run's root, made at the first call (from LLVMFuzzerInitialize, before
+// any input) with `folders` in it, and removed at a normal exit.
+inline FuzzRoot& Root(std::initializer_list<const char*> folders = {}) {
+  static FuzzRoot root;
+  for (const char* folder : folders) root.MakeDirs(folder);
+  return root;
+}
 
 }  // namespace fuzz_support
 

@@ -3,7 +3,6 @@
 // builds the functional table (service codes), the speed-dial list and the
 // address book.
 #include <algorithm>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -14,28 +13,18 @@
 
 namespace {
 
-using fuzz_support::FuzzRoot;
-
 const KeypadButton kPound = 0x100 + '#';
 const KeypadButton kStar = 0x100 + '*';
 const KeypadButton kFlash = 0x8F0;
 
-FuzzRoot* root = nullptr;
-CMAgent* agent = nullptr;
+CMAgent* agent = nullptr;  // reachable to the end: no leak
 
 bool IsKey(KeypadButton key) {
   return (key >= 0x100 && key <= 0x109) || key == kStar || key == kPound || key == kFlash;
 }
 
 bool IsCallType(CallType type) {
-  switch (type) {
-    case kCallNumber:
-    case kCallSip:
-    case kCallPstn:
-    case kCallFromPhone:
-      return true;
-  }
-  return false;
+  return type == kCallNumber || type == kCallSip || type == kCallPstn || type == kCallFromPhone;
 }
 
 size_t KeysIn(const std::string& text) {
@@ -89,16 +78,11 @@ bool Ascending(const Table& table) {
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
-  root = new FuzzRoot;
-  root->MakeDirs("telephony/extensiondb/user");
+  fuzz_support::Root({"telephony/extensiondb/user"});
   // One agent over an empty root; after Destroy every query reads the
   // extension database afresh.
   agent = new CMAgent;
   agent->Destroy();
-  atexit([] {
-    delete agent;
-    delete root;
-  });
   return 0;
 }
 
@@ -106,7 +90,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const std::string input(fuzz_support::AsText(data, size));
   CheckFormKeySequence(input);
 
-  root->Write("telephony/extensiondb/user/101.cfg", input);
+  fuzz_support::Root().Write("telephony/extensiondb/user/101.cfg", input);
   const cfg::Document doc = cfg::Document::Parse(input);
 
   ExtensionData extension;

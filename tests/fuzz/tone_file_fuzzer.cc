@@ -1,5 +1,4 @@
 // The regional tone reader over a fuzzed telephony/regional/tonetypes.cfg.
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
@@ -8,10 +7,6 @@
 #include "tests/fuzz/fuzz_support.h"
 
 namespace {
-
-using fuzz_support::FuzzRoot;
-
-FuzzRoot* root = nullptr;
 
 // Values are read through a 4096-byte buffer as C strings.
 std::string AsRead(std::string_view value) {
@@ -32,15 +27,13 @@ bool DigitsAndCommas(const std::string& text) {
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
-  root = new FuzzRoot;
-  root->MakeDirs("telephony/regional");
-  atexit([] { delete root; });
+  fuzz_support::Root({"telephony/regional"});
   return 0;
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const std::string_view text = fuzz_support::AsText(data, size);
-  root->Write("telephony/regional/tonetypes.cfg", text);
+  fuzz_support::Root().Write("telephony/regional/tonetypes.cfg", text);
 
   ToneTypeReader reader;
   static ToneType tones[kDeviceToneCount];
