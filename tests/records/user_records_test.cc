@@ -55,29 +55,6 @@ TEST(UsrDataTest, CopiesOwnTheirBackup) {
   EXPECT_EQ(source.sipBackup->userName, target.sipBackup->userName);
 }
 
-TEST(ExtensionSettingsTest, MailboxAndRemoteControlPolicy) {
-  VmsSettings vms;
-  vms.mode = 1;
-  EXPECT_TRUE(vms.IsOn(false));
-  EXPECT_FALSE(vms.IsOn(true));
-  vms.mode = 2;
-  EXPECT_FALSE(vms.IsOn(true));  // no mailbox named
-  vms.mode = 3;
-  vms.mailbox = "box";
-  EXPECT_TRUE(vms.IsOn(true));
-
-  // The value goes only with bit 0x01.
-  RcSettings rc;
-  rc.ToggleExtPolicy(true, true, 42);
-  rc.ToggleExtPolicy(true, false, 99);
-  rc.ToggleExtPolicy(false, false, 7);
-  EXPECT_EQ(42, rc.value);
-  EXPECT_TRUE(rc.IsExtPolicyOn(0x01));
-  EXPECT_FALSE(rc.IsExtPolicyOn(0x02));
-  rc.ToggleExtPolicy(false, true, 7);
-  EXPECT_EQ(0, rc.value);
-}
-
 TEST(ExtensionDataTest, ForwardOnFollowsTheFirstAnyCallerContact) {
   ExtensionData extension;
   EXPECT_FALSE(extension.IsForwardOn());

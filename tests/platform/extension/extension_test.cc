@@ -215,29 +215,6 @@ TEST_F(ExtensionTest, ServiceCodesAreTakenOnlyUnderTheirExactKeys) {
   EXPECT_EQ("*72||||||||*9|||||||||||#20|", read);  // code_10 stays empty: ':' is no digit
 }
 
-TEST_F(ExtensionTest, ContactsAndTheirServicesDecode) {
-  root_.Write(kFile, kUser);
-  ExtensionManager db(Db(), false);
-  Extension* user = db.GetExtension(kExtUser, "101", false);
-  EXPECT_EQ(nullptr, user->GetAddressPatternParams());
-  user->LoadProperty(kPropAddressPatterns);
-  AddressPatternParams* book = user->GetAddressPatternParams();
-  ASSERT_EQ(2u, book->GetAllBlocks().size());
-  EXPECT_EQ(gAny, book->GetBlock(1)->name);
-  EXPECT_EQ(2, book->GetBlock(2)->callType);
-  EXPECT_EQ(nullptr, book->GetSupServAccessor(book->GetBlock(2), false));  // nothing stored
-  SupServAccessor* services = book->GetSupServAccessor(book->GetBlock(1), false);
-  ASSERT_NE(nullptr, services);
-  EXPECT_EQ(std::make_tuple(1, 1, std::string("Busy")),
-            std::make_tuple(services->forwardBusy.active, services->forwardBusy.hasText, services->forwardBusy.text));
-  ASSERT_EQ(2u, services->forwardBusy.destinations.size());
-  EXPECT_EQ("sip:a@b,c", services->forwardBusy.destinations.back().address);  // the address ends its line
-  EXPECT_EQ(0, services->forwardBusy.destinations.back().enabled);
-  EXPECT_EQ(0, services->forwardUnconditional.active);
-  EXPECT_EQ(2, services->intercom.mode);
-  EXPECT_EQ((Targets{{"103", 15}}), services->hunt.targets);
-}
-
 TEST_F(ExtensionTest, StoredServicesReadBackAndKeepTheRestOfTheFile) {
   root_.Write(kFile, kUser);
   SupServAccessor* services = Services(2, true);
