@@ -265,18 +265,8 @@ class NastyText {
 };
 
 TEST(DocumentApiTest, RandomTextsReadBackAfterASave) {
-  Syntax brackets;
-  brackets.keyword = "block";
-  brackets.opener = "[\n";
-  brackets.closer = "]\n";
-  brackets.separator = ":";
-  brackets.comment = ";";
-  Syntax long_markers;
-  long_markers.keyword = "SECTION";
-  long_markers.opener = "BEGIN";
-  long_markers.closer = "END";
-  long_markers.separator = ":=";
-  long_markers.comment = "//";
+  const Syntax brackets{"block", "[\n", "]\n", ":", ";"};
+  const Syntax long_markers{"SECTION", "BEGIN", "END", ":=", "//"};
   const std::pair<Syntax, int> runs[] = {{Syntax(), 5000}, {brackets, 1000}, {long_markers, 1000}};
   uint32_t seed = 1;
   for (const auto& [syntax, count] : runs) {
