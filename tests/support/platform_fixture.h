@@ -15,6 +15,7 @@
 #include "platform/base/document_store.h"
 #include "platform/base/file_lock.h"
 #include "platform/base/file_system.h"
+#include "tests/support/golden.h"
 #include "tests/support/temp_root.h"
 
 namespace testing_support {
@@ -52,25 +53,6 @@ inline std::string Shown(std::string_view text) {
   return out;
 }
 
-inline std::string ReadAll(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream s;
-  s << in.rdbuf();
-  return s.str();
-}
-
-// Compares `actual` byte for byte with the golden file at `path`; with
-// CMCFG_REGEN_GOLDEN=1 in the environment it rewrites the file instead
-// (review the diff before committing it).
-inline void ExpectGolden(const std::string& path, const std::string& actual) {
-  const char* regen = std::getenv("CMCFG_REGEN_GOLDEN");
-  if (regen != nullptr && *regen != '\0' && *regen != '0') {
-    std::ofstream(path, std::ios::binary | std::ios::trunc) << actual;
-    return;
-  }
-  EXPECT_EQ(ReadAll(path), actual) << path << " (CMCFG_REGEN_GOLDEN=1 rewrites it)";
-}
-
 // Decodes \\, \n, \r, \t, \xHH and \e (nothing), so that a table row can
 // hold any text, the empty one included.
 inline std::string Unescaped(std::string_view text) {
@@ -91,12 +73,13 @@ inline std::string Unescaped(std::string_view text) {
   return out;
 }
 
-// Cases kept as data: each line of `table`.in but blank and "#" lines is
-// one case (escaped as above), `answer` gives its outcome in one line, and
-// `table`.out holds "case -> outcome" for every case, byte for byte.
+// Cases kept as data: each line of tests/`table`.in but blank and "#"
+// lines is one case (escaped as above), `answer` gives its outcome in one
+// line, and tests/`table`.out holds "case -> outcome" for every case, byte
+// for byte.
 template <typename Answer>
 void ExpectGoldenTable(const std::string& table, Answer answer) {
-  std::istringstream in(ReadAll(table + ".in"));
+  std::istringstream in(ReadSource(table + ".in"));
   std::string out;
   for (std::string line; std::getline(in, line);)
     if (!line.empty() && line[0] != '#') out += line + " -> " + answer(Unescaped(line)) + "\n";

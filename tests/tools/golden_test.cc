@@ -11,6 +11,7 @@
 #include <nlohmann/json.hpp>
 #include <regex>
 
+#include "tests/support/golden.h"
 #include "tests/support/temp_root.h"
 #include "tests/tools/tool_test_util.h"
 #include "tools/check_syntax.h"
@@ -18,10 +19,10 @@
 namespace {
 
 using tool_testing::CopyExample;
-using tool_testing::ExpectGolden;
+using testing_support::ExpectGolden;
 using tool_testing::RunCmcfg;
 
-const std::string kRootsDir = CMCFG_EXAMPLES_DIR "../tests/tools/roots/";
+const std::string kRootsDir = CMCFG_SOURCE_DIR "/tests/tools/roots/";
 
 std::string TestName(const std::string& text) {
   return std::regex_replace(text, std::regex("[^A-Za-z0-9]"), "_");
@@ -103,7 +104,7 @@ TEST_P(GoldenTest, OutputIsPinned) {
     args.push_back(arg == "ROOT" ? root.path() : arg == "OTHER" ? other.path() : arg);
   std::ostringstream out, err;
   EXPECT_EQ(RunCmcfg(args, out, err), golden.status) << err.str();
-  ExpectGolden(out.str(), golden.file);
+  ExpectGolden("tools/golden/" + std::string(golden.file), out.str());
 }
 
 INSTANTIATE_TEST_SUITE_P(Example, GoldenTest, ::testing::ValuesIn(kGoldens),
@@ -185,7 +186,7 @@ TEST_P(RootCaseTest, OutputIsPinned) {
   }
   golden << "== dump: what differs from an empty root\n" << differs.dump(2) << "\n";
   golden << "== log\n" << log;
-  ExpectGolden(golden.str(), "../roots/" + GetParam() + ".golden");
+  ExpectGolden("tools/roots/" + GetParam() + ".golden", golden.str());
 }
 
 INSTANTIATE_TEST_SUITE_P(Roots, RootCaseTest, ::testing::ValuesIn(RootCases()),

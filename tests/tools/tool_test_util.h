@@ -1,12 +1,7 @@
 #ifndef CMCFG_TESTS_TOOLS_TOOL_TEST_UTIL_H_
 #define CMCFG_TESTS_TOOLS_TOOL_TEST_UTIL_H_
 
-#include <gtest/gtest.h>
-
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -32,19 +27,6 @@ inline int RunCmcfg(const std::vector<std::string>& args, std::ostringstream& ou
 inline void CopyExample(const std::string& root) {
   namespace fs = std::filesystem;
   fs::copy(CMCFG_EXAMPLES_DIR, root, fs::copy_options::recursive | fs::copy_options::overwrite_existing);
-}
-
-// Compares `actual` with the golden file tests/tools/golden/NAME, or
-// rewrites the file when CMCFG_REGEN_GOLDEN is set (scripts/regen-goldens.sh).
-inline void ExpectGolden(const std::string& actual, const std::string& name) {
-  const std::string path = CMCFG_EXAMPLES_DIR "../tests/tools/golden/" + name;
-  if (std::getenv("CMCFG_REGEN_GOLDEN") != nullptr) {
-    std::ofstream(path, std::ios::binary) << actual;
-    return;
-  }
-  std::ifstream in(path, std::ios::binary);
-  const std::string expected{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-  EXPECT_EQ(actual, expected) << "regenerate with scripts/regen-goldens.sh if intended";
 }
 
 }  // namespace tool_testing

@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "platform/base/file_lock.h"
+#include "tests/support/golden.h"
 #include "tests/support/temp_root.h"
 #include "tests/tools/tool_test_util.h"
 
@@ -59,8 +60,8 @@ TEST_F(WriteVerbsTest, DryRunShowsWhatTheVerbWrites) {
     ASSERT_EQ(Run(verb), 0) << err_.str();
     EXPECT_NE(root_.Read(kFile), before);
   }
-  tool_testing::ExpectGolden(shown + "$ cat " + kFile + "\n" + root_.Read(kFile),
-                             "write-verbs.txt");
+  testing_support::ExpectGolden("tools/golden/write-verbs.txt",
+                                shown + "$ cat " + kFile + "\n" + root_.Read(kFile));
 }
 
 TEST_F(WriteVerbsTest, AnExtensionWithoutAnyCallerContactIsToldHowToAddOne) {

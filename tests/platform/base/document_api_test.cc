@@ -18,7 +18,7 @@ namespace {
 using testing_support::Bytes;
 using testing_support::Shown;
 
-const std::string kTables = std::string(CMCFG_SOURCE_DIR) + "/tests/platform/base/tables/";
+const std::string kTables = "platform/base/tables/";  // below tests/
 
 // Saved and read again, `doc` must come back equal, with no complaint, and
 // a second save must write the same text.

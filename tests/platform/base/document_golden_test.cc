@@ -18,7 +18,7 @@ namespace {
 
 using testing_support::Shown;
 
-const std::string kDir = std::string(CMCFG_SOURCE_DIR) + "/tests/platform/base/golden/";
+const std::string kDir = "platform/base/golden/";  // below tests/
 
 std::string Quoted(std::string_view text) { return "\"" + Shown(text) + "\""; }
 
@@ -58,7 +58,7 @@ void Edit(Document* doc) {
 
 TEST(DocumentGoldenTest, EachFileReadsSavesAndEditsAsRecorded) {
   std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(kDir))
+  for (const auto& entry : std::filesystem::directory_iterator(CMCFG_SOURCE_DIR "/tests/" + kDir))
     if (entry.path().extension() == ".cfg") names.push_back(entry.path().stem().string());
   std::sort(names.begin(), names.end());
   ASSERT_GE(names.size(), 10u);
@@ -72,7 +72,7 @@ TEST(DocumentGoldenTest, EachFileReadsSavesAndEditsAsRecorded) {
       syntax.separator = ":=";
       syntax.comment = ";";
     }
-    const std::string text = testing_support::ReadAll(kDir + name + ".cfg");
+    const std::string text = testing_support::ReadSource(kDir + name + ".cfg");
     Document doc = Document::Parse(text, syntax);
     const std::string saved = doc.Serialize(syntax);
     // A save writes back what was read, and saving that again changes nothing.

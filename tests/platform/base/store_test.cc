@@ -277,7 +277,7 @@ TEST_F(StoreTest, TemporaryNamesTellTheWriter) {
   EXPECT_EQ(getpid(), TempFileWriter(path, temp.substr(root_.path().size())));
   EXPECT_NE(temp, TempPathFor(path));
   // As the writer of f.cfg, each name is the pid it tells, or -1.
-  testing_support::ExpectGoldenTable(CMCFG_SOURCE_DIR "/tests/platform/base/tables/temp_names",
+  testing_support::ExpectGoldenTable("platform/base/tables/temp_names",
                                      [&](const std::string& name) {
     return std::to_string(TempFileWriter(path, name)) + " " + std::to_string(TempFileWriter("f.cfg", name));
   });

@@ -16,7 +16,7 @@
 namespace cfg {
 namespace {
 
-const std::string kTables = std::string(CMCFG_SOURCE_DIR) + "/tests/platform/base/tables/";
+const std::string kTables = "platform/base/tables/";  // below tests/
 
 template <typename T>
 std::string Strict(const std::string& text) {

@@ -60,7 +60,7 @@ class LineTest : public testing_support::PlatformTest {
 
 // The cases are data: tables/line_sections.in, answered in .out.
 TEST_F(LineTest, SectionNamesAreAKindAndTwoNumbers) {
-  testing_support::ExpectGoldenTable(CMCFG_SOURCE_DIR "/tests/platform/line/tables/line_sections",
+  testing_support::ExpectGoldenTable("platform/line/tables/line_sections",
                                      [](const std::string& name) {
     int kind = -1;
     uint32_t gateway = 0, line = 0;
